@@ -1,0 +1,428 @@
+/* Tarn Link Objects: serial communications for Windows programs.
+ *
+ * Every function takes the window handle of a comm object: one port, one terminal screen, one transfer at a
+ * time, one set of look-up strings. Make one with CreateCommObject, give it a port and settings, open it:
+ *
+ *     HWND line = CreateCommObject(NULL);
+ *     char error[TARN_ERROR_TEXT_SIZE];
+ *     SetCommPort(line, "COM1");
+ *     SetSettings(line, "9600,n,8,1");
+ *     if (!SetPortOpen(line, 1, error))
+ *         puts(error);
+ *
+ * Errors. A null handle, a handle of something else and the handle of an object that was destroyed are met
+ * with silence: the function does nothing and returns 0, NULL or an empty string. A getter therefore can't
+ * be told from the getter of a field that is 0. No function raises an exception or changes memory that it
+ * was not given; a null pointer where text or a buffer is expected counts as "nothing to do".
+ *
+ * Threads. An object belongs to the thread that made it, and so do all calls on it. That thread must run a
+ * message loop or call one of the waiting functions, since all that the object does by itself arrives there
+ * as messages. From other threads only the log functions and calls on dead handles are safe. Objects of
+ * different threads don't disturb each other.
+ *
+ * Events. They reach the host on the object's own thread, inside the call that found their cause: to the
+ * handler of SetEventHandler, else as WM_COMMAND to the window of SetEventWindow or to the parent (wParam the
+ * control's identifier, low word of lParam the low 16 bits of the object's handle, high word the code), else
+ * to the control that owns the object. A host may close the port or destroy the object inside an event.
+ *
+ * Waits. Functions that wait (ComPause, WaitForInput, FlushInputBuffer, FlushOutputBuffer, GetLineInput,
+ * InputUntilLookUp, DiscardUntilLookUp) run the thread's messages meanwhile, so events come during them.
+ * GetBusy tells that a wait runs; GetInput, InputUntilLookUp and DestroyCommObject refuse to work then.
+ *
+ * Units. Times are milliseconds, sizes bytes. Booleans are 32-bit integers, everything but 0 is true. Text is
+ * 8-bit and ends with a NUL. A size that is given with a buffer is the buffer's whole size.
+ */
+#ifndef TARNCOMM_H
+#define TARNCOMM_H
+
+#include <windows.h>
+
+/* The platform's printing header makes a macro of this name. */
+#undef SetPort
+
+#define TARNAPI __stdcall
+
+#ifdef TARNCOMM_STATIC
+#define TARN_IMPORT
+#else
+#define TARN_IMPORT __declspec(dllimport)
+#endif
+
+#if defined(__GNUC__)
+#define TARN_PRINTF(text, first) __attribute__((format(printf, text, first)))
+#else
+#define TARN_PRINTF(text, first)
+#endif
+
+#define TARN_ERROR_TEXT_SIZE 128   /* bytes of the buffer that SetPortOpen fills */
+#define TARN_SETTINGS_TEXT_SIZE 32 /* bytes of the buffer that GetSettings fills */
+#define TARN_TRANSLATION_SIZE 256  /* bytes of a translation table */
+#define TARN_BAD_SETTINGS 380      /* SetSettings could not read its text */
+
+/* Event codes. */
+#define TARN_EVENT_SEND 1             /* the output count is at or under the send threshold */
+#define TARN_EVENT_RECEIVE 2          /* the input count is at or over the receive threshold */
+#define TARN_EVENT_CTS 3              /* clear to send changed */
+#define TARN_EVENT_DSR 4              /* data set ready changed */
+#define TARN_EVENT_CARRIER 5          /* carrier changed */
+#define TARN_EVENT_RING 6             /* the ring indicator turned on */
+#define TARN_EVENT_LOOKUP 8           /* a look-up string came in, or the look-up ended without one */
+#define TARN_ERROR_BREAK 1001         /* a break came in */
+#define TARN_ERROR_FRAME 1004         /* a byte without a stop bit */
+#define TARN_ERROR_OVERRUN 1006       /* the receiver lost a byte */
+#define TARN_ERROR_RECEIVE_FULL 1008  /* the driver's input queue is full */
+#define TARN_ERROR_PARITY 1009        /* a byte with the wrong parity */
+#define TARN_ERROR_TRANSMIT_FULL 1010 /* the driver's output queue is full */
+
+/* Handshaking, for SetHandshaking. */
+#define TARN_HANDSHAKING_NONE 0
+#define TARN_HANDSHAKING_XONXOFF 1
+#define TARN_HANDSHAKING_HARDWARE 2
+#define TARN_HANDSHAKING_BOTH 3
+#define TARN_HANDSHAKING_DEFAULT 4 /* neither kind: what the port has by itself */
+
+/* Automatic processing, for SetAutoProcess. */
+#define TARN_PROCESS_NONE 0
+#define TARN_PROCESS_SERIAL 1 /* input goes to the screen, the look-up and the ZModem start detection */
+#define TARN_PROCESS_KEYBOARD 2
+#define TARN_PROCESS_BOTH 3
+
+#ifdef __cplusplus
+struct COMCTL;
+extern "C" {
+#else
+typedef struct COMCTL COMCTL;
+#endif
+
+/* object: the comm object; id: its control identifier; code: an event code. */
+typedef void(TARNAPI* TarnEventHandler)(HWND object, int id, int code);
+typedef void(TARNAPI* TarnIdleHandler)(void);
+
+/* ---- Life ---------------------------------------------------------------------------------------------- */
+
+/* Registers the window class and starts the report file; the module does it by itself when it is loaded.
+ * Returns 0 if the class can't be registered. */
+TARN_IMPORT int TARNAPI InitTarnCommObjects(void);
+
+/* Makes a comm object: a child of hParent, or a window of its own if that is NULL. It is named "Comm1",
+ * "Comm2" and so on in the log. Returns NULL if memory or window handles are out. */
+TARN_IMPORT HWND TARNAPI CreateCommObject(HWND hParent);
+
+/* The same, always as a child, with a window title. */
+TARN_IMPORT HWND TARNAPI CreateCommObjectName(HWND hParent, const char* szName);
+
+/* Closes the port and destroys the object. Returns 0 if it is dead already or one of its waits runs. Does not
+ * send what still waits for the line: see FlushOutputBuffer. */
+TARN_IMPORT int TARNAPI DestroyCommObject(HWND hWnd);
+
+/* ---- Port ---------------------------------------------------------------------------------------------- */
+
+/* The name of the device, such as "COM1", 255 characters at the most. Ignored while the port is open.
+ * SetPort and GetPort are other names of the same functions. GetCommPort returns the object's own text,
+ * which lives as long as the object. */
+TARN_IMPORT void TARNAPI SetCommPort(HWND hWnd, const char* szPort);
+TARN_IMPORT const char* TARNAPI GetCommPort(HWND hWnd);
+TARN_IMPORT void TARNAPI SetPort(HWND hWnd, const char* szPort);
+TARN_IMPORT const char* TARNAPI GetPort(HWND hWnd);
+
+/* Opens (bOpen not 0) or closes the port. szError may be NULL; otherwise it is a buffer of
+ * TARN_ERROR_TEXT_SIZE bytes that is emptied and takes the reason of a failure: "Port not found", "Port
+ * unavailable" or the system's own text. Returns 1 on success, also if the port was in that state already.
+ * Closing throws away what waits in the device; what still waits in the object goes out after the next
+ * opening. It takes 3 seconds at the most, whatever the device does. */
+TARN_IMPORT int TARNAPI SetPortOpen(HWND hWnd, int bOpen, char* szError);
+TARN_IMPORT int TARNAPI GetPortOpen(HWND hWnd);
+
+/* Attaches a device handle that was opened elsewhere, for overlapped use; the object closes it. NULL and
+ * INVALID_HANDLE_VALUE close the present one. GetCommID returns NULL before the first opening and
+ * INVALID_HANDLE_VALUE after a close. */
+TARN_IMPORT void TARNAPI SetCommID(HWND hWnd, HANDLE hComm);
+TARN_IMPORT HANDLE TARNAPI GetCommID(HWND hWnd);
+
+/* Speed, parity, data bits and stop bits, like "9600,n,8,1": speed in bits per second (0 or none leaves the
+ * driver's), parity n, o, e, m or s, data bits 4 to 8, stop bits 1, 1.5 or 2. Commas may be left out, case
+ * does not matter, an absent field means the driver's default, and only the first 19 characters count.
+ * Returns 0, or TARN_BAD_SETTINGS with nothing changed. What the device refuses is not reported. */
+TARN_IMPORT int TARNAPI SetSettings(HWND hWnd, const char* szSettings);
+
+/* Writes the settings in the same form (speed 0 as empty text) into a buffer of TARN_SETTINGS_TEXT_SIZE bytes
+ * and returns the length of the text. */
+TARN_IMPORT int TARNAPI GetSettings(HWND hWnd, char* szBuffer);
+TARN_IMPORT LONG TARNAPI GetSettingsBaud(HWND hWnd);
+
+/* Modal dialog for the settings, from dialog template 101 of this module. There is none: returns -1. */
+TARN_IMPORT int TARNAPI PortSettingsDialog(HWND hWnd, HWND hParent);
+TARN_IMPORT INT_PTR TARNAPI PortSettingsDialogProc(HWND hDialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+/* Signals. The setters store what is wanted and apply it to an open port. GetDTR and GetRTS return what was
+ * stored; GetCTS, GetDSR and GetCarrier ask the line, and are 0 while the port is closed. SetBreak starts and
+ * ends a break; GetBreak tells whether the device reports incoming breaks, not whether one is being sent. */
+TARN_IMPORT void TARNAPI SetDTR(HWND hWnd, int bDTR);
+TARN_IMPORT int TARNAPI GetDTR(HWND hWnd);
+TARN_IMPORT void TARNAPI SetRTS(HWND hWnd, int bRTS);
+TARN_IMPORT int TARNAPI GetRTS(HWND hWnd);
+TARN_IMPORT void TARNAPI SetBreak(HWND hWnd, int bBreak);
+TARN_IMPORT int TARNAPI GetBreak(HWND hWnd);
+TARN_IMPORT int TARNAPI GetCTS(HWND hWnd);
+TARN_IMPORT int TARNAPI GetDSR(HWND hWnd);
+TARN_IMPORT int TARNAPI GetCarrier(HWND hWnd);
+
+/* The code of the error event that is being delivered; 0 outside its handler. Asks the device for new errors
+ * if there is none. */
+TARN_IMPORT int TARNAPI GetLastCommError(HWND hWnd);
+
+/* The code of the last event, whatever its kind. */
+TARN_IMPORT int TARNAPI GetLastCommEvent(HWND hWnd);
+
+/* Sizes of the driver's queues, set while the port is closed; ignored otherwise. A quarter of the input
+ * queue, 8192 at the most, is also the limit at which XOn and XOff are sent. */
+TARN_IMPORT void TARNAPI SetInBufferSize(HWND hWnd, int cbInBuffer);
+TARN_IMPORT int TARNAPI GetInBufferSize(HWND hWnd);
+TARN_IMPORT void TARNAPI SetOutBufferSize(HWND hWnd, int cbOutBuffer);
+TARN_IMPORT int TARNAPI GetOutBufferSize(HWND hWnd);
+
+/* TARN_HANDSHAKING_...; applied at once to an open port. */
+TARN_IMPORT void TARNAPI SetHandshaking(HWND hWnd, int nHandshaking);
+TARN_IMPORT int TARNAPI GetHandshaking(HWND hWnd);
+
+/* The character that the driver puts for a byte with wrong parity, -1 (or anything negative) for none. */
+TARN_IMPORT void TARNAPI SetParityReplace(HWND hWnd, int nParityReplace);
+TARN_IMPORT int TARNAPI GetParityReplace(HWND hWnd);
+
+/* Whether the driver drops NUL bytes. SetDiscardNulls applies it at once, SetNullDiscard at the next change
+ * of the device's state. */
+TARN_IMPORT void TARNAPI SetDiscardNulls(HWND hWnd, int bDiscard);
+TARN_IMPORT int TARNAPI GetDiscardNulls(HWND hWnd);
+TARN_IMPORT void TARNAPI SetNullDiscard(HWND hWnd, int bDiscard);
+TARN_IMPORT int TARNAPI GetNullDiscard(HWND hWnd);
+
+/* Kept for the host; the device's state is written anew at each change. */
+TARN_IMPORT void TARNAPI SetCarrierTimeOut(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT LONG TARNAPI GetCarrierTimeOut(HWND hWnd);
+TARN_IMPORT void TARNAPI SetCTSTimeOut(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT LONG TARNAPI GetCTSTimeOut(HWND hWnd);
+TARN_IMPORT void TARNAPI SetDSRTimeOut(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT LONG TARNAPI GetDSRTimeOut(HWND hWnd);
+
+/* SetInputDriverTimeOut sets what GetDriverInputTimeOut returns. SetDriverInputTimeOut sets what
+ * GetInputTimeOut returns, the limit of GetLineInput. */
+TARN_IMPORT void TARNAPI SetInputDriverTimeOut(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT LONG TARNAPI GetDriverInputTimeOut(HWND hWnd);
+TARN_IMPORT void TARNAPI SetDriverInputTimeOut(HWND hWnd, LONG lTimeOut);
+
+/* ---- Data ---------------------------------------------------------------------------------------------- */
+
+/* Queues a block for the line and returns at once: 1 if the whole block was taken, 0 if nothing was (closed
+ * port, or fewer free bytes in the 16384-byte queue than the block needs). With SetEcho the block is shown on
+ * the terminal first, whatever becomes of it. */
+TARN_IMPORT int TARNAPI Output(HWND hWnd, const void* lpBytes, int cbBytes);
+
+/* Writes to the device beside the queue. Waits for the write before to end. Returns the bytes that were
+ * written at once, 0 for a write that is still under way or failed; the reason of a failure is in the log. */
+TARN_IMPORT DWORD TARNAPI ComOutput(HWND hWnd, const void* lpBytes, DWORD cbBytes);
+
+/* Reads what is there, without waiting. Returns the count of bytes; 0 also while a wait runs (GetBusy). */
+TARN_IMPORT int TARNAPI GetInput(HWND hWnd, void* lpBuffer, int cbBuffer);
+
+/* Reads a line: up to a CR, which is dropped like every LF. Ends without a CR when cbBuffer characters are in
+ * or the time of SetInputTimeOut has passed, counted from the call (0: only what is there now). Returns the
+ * length. A shorter line has a NUL behind it; a line of cbBuffer characters has none. */
+TARN_IMPORT int TARNAPI GetLineInput(HWND hWnd, char* lpBuffer, int cbBuffer);
+
+/* Bytes that wait to be read; bytes that wait to be sent, in the object and in the driver. 0 if closed. */
+TARN_IMPORT int TARNAPI GetInBufferCount(HWND hWnd);
+TARN_IMPORT int TARNAPI GetOutBufferCount(HWND hWnd);
+
+/* Throw away the driver's queue. What waits in the object's own output queue still goes out. */
+TARN_IMPORT void TARNAPI ClearInputBuffer(HWND hWnd);
+TARN_IMPORT void TARNAPI ClearOutputBuffer(HWND hWnd);
+
+/* Wait until the input was read by somebody, or the output was sent; lTimeOut ms at the most. Return 1 if the
+ * count reached 0. */
+TARN_IMPORT int TARNAPI FlushInputBuffer(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT int TARNAPI FlushOutputBuffer(HWND hWnd, LONG lTimeOut);
+
+/* Waits lTime ms while the thread's messages run. */
+TARN_IMPORT void TARNAPI ComPause(HWND hWnd, LONG lTime);
+
+/* Waits for input, lTimeOut ms at the most. Returns 1 if there is some. */
+TARN_IMPORT int TARNAPI WaitForInput(HWND hWnd, LONG lTimeOut);
+
+/* 256 bytes: the character that the terminal shows for each byte. */
+TARN_IMPORT void TARNAPI GetTranslationTable(HWND hWnd, void* lpTable);
+TARN_IMPORT void TARNAPI SetTranslationTable(HWND hWnd, const void* lpTable);
+
+/* Whether a wait of this object runs. */
+TARN_IMPORT int TARNAPI GetBusy(HWND hWnd);
+
+/* The system's tick count lTime ms from now, or all ones where that would wrap. */
+TARN_IMPORT DWORD TARNAPI CreateTimer(DWORD lTime);
+
+/* ---- Events and waits ---------------------------------------------------------------------------------- */
+
+TARN_IMPORT void TARNAPI SetEventHandler(HWND hWnd, TarnEventHandler lpfnEventHandler);
+TARN_IMPORT void TARNAPI SetEventWindow(HWND hWnd, HWND hEventWindow);
+
+/* Called by each turn of a wait in place of the thread's message loop. */
+TARN_IMPORT void TARNAPI SetIdleLoop(HWND hWnd, TarnIdleHandler lpfnIdleLoop);
+
+/* Receive fires at each tick while nThreshold bytes or more are unread, Send while nThreshold bytes or fewer
+ * are unsent; 0 turns the event off, negative values are ignored. */
+TARN_IMPORT void TARNAPI SetRThreshold(HWND hWnd, int nThreshold);
+TARN_IMPORT int TARNAPI GetRThreshold(HWND hWnd);
+TARN_IMPORT void TARNAPI SetSThreshold(HWND hWnd, int nThreshold);
+TARN_IMPORT int TARNAPI GetSThreshold(HWND hWnd);
+
+/* What the object does with input by itself: TARN_PROCESS_... . Serial processing sets the receive threshold
+ * to 1 while the port is open. */
+TARN_IMPORT void TARNAPI SetAutoProcess(HWND hWnd, int nAutoProcess);
+TARN_IMPORT int TARNAPI GetAutoProcess(HWND hWnd);
+
+/* The time between ticks. 0, the default, ticks when a byte comes. Read when the port opens; a timer that
+ * runs is never changed, not even by closing the port. */
+TARN_IMPORT void TARNAPI SetInterval(HWND hWnd, LONG lInterval);
+TARN_IMPORT LONG TARNAPI GetInterval(HWND hWnd);
+
+/* Not 0: every wait of the object ends, and none begins. */
+TARN_IMPORT void TARNAPI SetShutDown(HWND hWnd, int bShutDown);
+TARN_IMPORT int TARNAPI GetShutDown(HWND hWnd);
+
+/* ---- Look-up ------------------------------------------------------------------------------------------- */
+
+/* The strings that automatic serial processing looks for, separated by cSeparator. Event 8 tells that one has
+ * come in, that the collection is full or that the time is over. Case does not matter; the first string that
+ * matches wins. Replaces the strings before and starts anew. */
+TARN_IMPORT void TARNAPI SetLookUpText(HWND hWnd, const char* szText, char cSeparator);
+
+/* Kept for hosts that pass it to SetLookUpText. */
+TARN_IMPORT void TARNAPI SetLookUpSeparator(HWND hWnd, char cSeparator);
+TARN_IMPORT char TARNAPI GetLookUpSeparator(HWND hWnd);
+
+/* The time limit of both kinds of look-up; 0 is no limit for the automatic kind and a single try for
+ * InputUntilLookUp. Starts the automatic look-up anew. */
+TARN_IMPORT void TARNAPI SetLookUpTimeOut(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT LONG TARNAPI GetLookUpTimeOut(HWND hWnd);
+
+/* How many bytes of input the automatic look-up collects for its event; 0 is none. Starts it anew. */
+TARN_IMPORT void TARNAPI SetLookUpInputLen(HWND hWnd, int cbInput);
+
+/* Reads until one of the strings of lpszList (each NUL-terminated, 49 at the most, an empty one ends the
+ * list) has come in. What was read, the found string included, goes to lpOutput, a buffer of cbOutput bytes
+ * with the closing NUL; a full buffer ends the look-up. lpOutput may be NULL. Returns the index of the
+ * string, or -1 for time-out, full buffer, empty list, SetShutDown, or a wait that runs already; 0 for a dead
+ * object. */
+TARN_IMPORT int TARNAPI InputUntilLookUp(HWND hWnd, const char* lpszList, char* lpOutput, int cbOutput);
+TARN_IMPORT int TARNAPI DiscardUntilLookUp(HWND hWnd, const char* lpszList);
+
+/* The automatic look-up piece by piece, on the object's record: add one string (up to the separator), empty
+ * the table, feed one byte (a NUL only gives it a turn), find the first string that the text before lpEnd
+ * ends with. AddLookUpString and ClearLookUpStrings return 1, or 0 for a dead record; LookUpChar returns 0,
+ * MatchLookUpString an index or -1. */
+TARN_IMPORT int TARNAPI AddLookUpString(COMCTL* lpComCtl, const char* szText, char cSeparator);
+TARN_IMPORT int TARNAPI ClearLookUpStrings(COMCTL* lpComCtl);
+TARN_IMPORT int TARNAPI LookUpChar(COMCTL* lpComCtl, char c);
+TARN_IMPORT int TARNAPI MatchLookUpString(COMCTL* lpComCtl, const char* lpEnd, int cbAvailable);
+
+/* ---- Log ----------------------------------------------------------------------------------------------- */
+
+/* Appends a message to "wiretap.txt" in the Windows folder: time, text, data as script expressions of up to
+ * 80 columns. hWnd may be NULL. nClass says what kind of message it is and does not change it. lpData may be
+ * NULL; with a pointer and no bytes an empty string is shown. May be called on any thread; of two messages at
+ * the same moment one is lost. Once the file can't be opened, the log is silent until the module is loaded
+ * again. */
+TARN_IMPORT void TARNAPI WireTapMsg(HWND hWnd, int nClass, const char* szText, const void* lpData,
+                                    DWORD cbData);
+
+/* The same for a wide string with its NUL, converted with the default code page. */
+TARN_IMPORT void TARNAPI WireTapMsgW(HWND hWnd, int nClass, const char* szText, const wchar_t* szData);
+
+/* Messages of the transfer, written while SetWireTapTransfer is on; formatted, 1023 characters at the most.
+ */
+TARN_IMPORT void __cdecl WireTapTransfer(HWND hWnd, const char* szFormat, ...) TARN_PRINTF(2, 3);
+TARN_IMPORT void TARNAPI WireTapTransferData(HWND hWnd, const char* szText, const void* lpData, DWORD cbData);
+
+/* What the log shows: bytes read, bytes sent, the transfer's messages. Return 1, or 0 for a dead object. */
+TARN_IMPORT int TARNAPI SetWireTapInput(HWND hWnd, int bWireTapInput);
+TARN_IMPORT int TARNAPI SetWireTapOutput(HWND hWnd, int bWireTapOutput);
+TARN_IMPORT int TARNAPI SetWireTapTransfer(HWND hWnd, int bWireTapTransfer);
+
+/* ---- Settings of the object that other functions read -------------------------------------------------- */
+
+/* Limit of GetLineInput, in ms. */
+TARN_IMPORT void TARNAPI SetInputTimeOut(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT LONG TARNAPI GetInputTimeOut(HWND hWnd);
+
+/* Kept for the host, in ms. */
+TARN_IMPORT void TARNAPI SetOutputTimeOut(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT LONG TARNAPI GetOutputTimeOut(HWND hWnd);
+
+/* Show sent bytes on the terminal; show bytes that are read; send bytes that are read back to the line. */
+TARN_IMPORT void TARNAPI SetEcho(HWND hWnd, int bEcho);
+TARN_IMPORT int TARNAPI GetEcho(HWND hWnd);
+TARN_IMPORT void TARNAPI SetInputEcho(HWND hWnd, int bInputEcho);
+TARN_IMPORT int TARNAPI GetInputEcho(HWND hWnd);
+TARN_IMPORT void TARNAPI SetCommEcho(HWND hWnd, int bCommEcho);
+TARN_IMPORT int TARNAPI GetCommEcho(HWND hWnd);
+
+/* React to a ZModem start sequence in the input of automatic processing; on by default. */
+TARN_IMPORT void TARNAPI SetAutoZModem(HWND hWnd, int bAutoZModem);
+TARN_IMPORT int TARNAPI GetAutoZModem(HWND hWnd);
+
+/* Terminal: backspace 0 erases, 1 moves only; end of line 0 next line, 1 nothing, 2 wraps the line, 3 wraps
+ * the screen; capture 0 text, 1 everything, 2 what is visible. */
+TARN_IMPORT void TARNAPI SetBackspace(HWND hWnd, int nBackspace);
+TARN_IMPORT int TARNAPI GetBackspace(HWND hWnd);
+TARN_IMPORT void TARNAPI SetEndOfLineMode(HWND hWnd, int nEndOfLineMode);
+TARN_IMPORT int TARNAPI GetEndOfLineMode(HWND hWnd);
+TARN_IMPORT void TARNAPI SetCaptureMode(HWND hWnd, int nCaptureMode);
+TARN_IMPORT int TARNAPI GetCaptureMode(HWND hWnd);
+
+/* Dialing: 0 tone, 1 pulse; the limit of a dialing attempt in ms. */
+TARN_IMPORT void TARNAPI SetDialMode(HWND hWnd, int nDialMode);
+TARN_IMPORT int TARNAPI GetDialMode(HWND hWnd);
+TARN_IMPORT void TARNAPI SetDialTimeOut(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT LONG TARNAPI GetDialTimeOut(HWND hWnd);
+
+/* Transfers: protocol number; status dialog 0 none, 1, 2; owner of the dialogs; resume 0 never, 1 always. */
+TARN_IMPORT void TARNAPI SetProtocol(HWND hWnd, int nProtocol);
+TARN_IMPORT int TARNAPI GetProtocol(HWND hWnd);
+TARN_IMPORT void TARNAPI SetTransferDialogType(HWND hWnd, int nType);
+TARN_IMPORT int TARNAPI GetTransferDialogType(HWND hWnd);
+TARN_IMPORT void TARNAPI SetDialogParent(HWND hWnd, HWND hParent);
+TARN_IMPORT HWND TARNAPI GetDialogParent(HWND hWnd);
+TARN_IMPORT void TARNAPI SetResumeMethod(HWND hWnd, int nResumeMethod);
+TARN_IMPORT int TARNAPI GetResumeMethod(HWND hWnd);
+
+/* Words that the object keeps for its host and never reads. */
+TARN_IMPORT void TARNAPI SetCommLong(HWND hWnd, LONG lValue);
+TARN_IMPORT LONG TARNAPI GetCommLong(HWND hWnd);
+TARN_IMPORT void TARNAPI SetNotification(HWND hWnd, LONG lValue);
+TARN_IMPORT LONG TARNAPI GetNotification(HWND hWnd);
+
+/* Dialog procedure for a program that shows a misuse message of its own: text in control 1003, buttons 1
+ * (result 0), 1000 (ignore, result 0) and 1001 (result 1), a frame drawn in control 1005. The text is the
+ * dialog's parameter. */
+TARN_IMPORT INT_PTR TARNAPI BugTrapDlgProc(HWND hDialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+#ifdef __cplusplus
+}
+#endif
+
+#if defined(__cplusplus) && !defined(TARNCOMM_STATIC)
+/* C++ callers may use one name for both kinds of data. */
+inline void WireTapMsg(HWND hWnd, int nClass, const char* szText, const wchar_t* szData) {
+    WireTapMsgW(hWnd, nClass, szText, szData);
+}
+
+inline void WireTapTransfer(HWND hWnd, const char* szText, const void* lpData, DWORD cbData) {
+    WireTapTransferData(hWnd, szText, lpData, cbData);
+}
+
+/* Text is an argument of the format, not data: "%s has %u bytes" must not be taken for the form above. */
+inline void WireTapTransfer(HWND hWnd, const char* szFormat, const char* szText, DWORD nValue) {
+    void(__cdecl* const format)(HWND, const char*, ...) = WireTapTransfer;
+    format(hWnd, szFormat, szText, nValue);
+}
+#endif
+
+#endif

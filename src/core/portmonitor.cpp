@@ -1,0 +1,169 @@
+#include "portmonitor.h"
+
+#include "overlapped.h"
+#include "TarnComm.h"
+
+#include <objbase.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace {
+
+class ComApartment {
+  public:
+    ComApartment() : entered_(SUCCEEDED(CoInitialize(nullptr))) {}
+    ~ComApartment() {
+        if (entered_)
+            CoUninitialize();
+    }
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+
+  private:
+    bool entered_;
+};
+
+struct CharacterWait : OverlappedCall {
+    DWORD mask = 0;
+};
+
+enum class WaitResult {
+    Stopped,
+    Ticks,  // the line has something
+    Nothing // the wait ended with nothing, or failed
+};
+
+// A wait that ends at once although nothing has changed (bytes that the host leaves unread, a device that is
+// gone) would spin. Each such turn makes the pause before the next one longer.
+class Slowdown {
+  public:
+    void Reset() { pause_ = 0; }
+    DWORD Next() {
+        pause_ = pause_ ? std::min(pause_ * 2, Longest) : 1;
+        return pause_;
+    }
+
+  private:
+    static constexpr DWORD Longest = 40; // ms
+    DWORD pause_ = 0;
+};
+
+// Sends the tick and waits until it has run, or until the monitor is told to stop: the window's thread may be
+// closing the port inside this very tick, so it must not be waited for then.
+class TickSender {
+  public:
+    TickSender(HWND hWnd, HANDLE hStop) : hWnd_(hWnd), hStop_(hStop) {}
+
+    // The tick's answer, or nothing when it is time to stop.
+    std::optional<LRESULT> Send() {
+        answered_ = false;
+        if (!SendMessageCallbackA(hWnd_, WM_TIMER, 0, 0, TakeAnswer, reinterpret_cast<ULONG_PTR>(this)))
+            return TickFoundNothing;
+        while (!answered_) {
+            if (MsgWaitForMultipleObjects(1, &hStop_, FALSE, CheckWindowEvery, QS_ALLINPUT) == WAIT_OBJECT_0)
+                return std::nullopt;
+            ServeOwnMessages();
+            if (!answered_ && !IsWindow(hWnd_))
+                return TickFoundNothing;
+        }
+        return answer_;
+    }
+
+  private:
+    static constexpr DWORD CheckWindowEvery = 1000; // ms
+
+    static void CALLBACK TakeAnswer(HWND, UINT, ULONG_PTR sender, LRESULT answer) {
+        auto& self = *reinterpret_cast<TickSender*>(sender);
+        self.answer_ = answer;
+        self.answered_ = true;
+    }
+
+    static void ServeOwnMessages() {
+        MSG message;
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+            DispatchMessageA(&message);
+    }
+
+    HWND hWnd_;
+    HANDLE hStop_;
+    bool answered_ = false;
+    LRESULT answer_ = 0;
+};
+
+class Monitor {
+  public:
+    Monitor(HWND hWnd, HANDLE hStop)
+        : device_(GetCommID(hWnd)), hStop_(hStop), sender_(hWnd, hStop),
+          wait_(std::make_unique<CharacterWait>()) {}
+
+    void Run() {
+        SetCommMask(device_, EV_RXCHAR);
+        for (;;) {
+            const WaitResult result = WaitForCharacter();
+            if (result == WaitResult::Stopped)
+                return;
+            if (!TickAndPause(result))
+                return;
+        }
+    }
+
+  private:
+    WaitResult WaitForCharacter() {
+        if (!wait_ || !wait_->Prepare())
+            return WaitResult::Nothing;
+        wait_->mask = 0;
+        if (WaitCommEvent(device_, &wait_->mask, &wait_->state))
+            return wait_->mask & EV_RXCHAR ? WaitResult::Ticks : WaitResult::Nothing;
+        if (GetLastError() != ERROR_IO_PENDING)
+            return WaitResult::Nothing;
+        const HANDLE handles[] = {hStop_, wait_->done.get()};
+        if (WaitForMultipleObjects(2, handles, FALSE, INFINITE) == WAIT_OBJECT_0) {
+            SetCommMask(device_, 0); // ends the wait
+            EndPendingCall(device_, std::move(wait_));
+            return WaitResult::Stopped;
+        }
+        return WaitResult::Ticks;
+    }
+
+    // False when it is time to stop.
+    bool TickAndPause(WaitResult result) {
+        LRESULT answer = TickFoundNothing;
+        if (result == WaitResult::Ticks) {
+            const auto sent = sender_.Send();
+            if (!sent)
+                return false;
+            answer = *sent;
+        }
+        const bool newBytes = answer == 0 || (answer > 0 && answer != unread_);
+        unread_ = answer;
+        if (newBytes) {
+            slowdown_.Reset();
+            return true;
+        }
+        return WaitForSingleObject(hStop_, slowdown_.Next()) == WAIT_TIMEOUT;
+    }
+
+    HANDLE device_;
+    HANDLE hStop_;
+    TickSender sender_;
+    std::unique_ptr<CharacterWait> wait_;
+    Slowdown slowdown_;
+    LRESULT unread_ = 0;
+};
+
+} // namespace
+
+CMonitorThread::CMonitorThread(HWND hWnd) : hWnd_(hWnd), hStop_(ManualResetEvent()) {
+    hThread_ = StartModuleThread([hWnd, hStop = hStop_.get()] {
+        Monitor monitor(hWnd, hStop);
+        // Left before the monitor goes: leaving it may still serve a late answer to a tick.
+        ComApartment apartment;
+        monitor.Run();
+    });
+}
+
+CMonitorThread::~CMonitorThread() {
+    SetEvent(hStop_.get());
+    EndModuleThread(std::move(hThread_), MonitorStopLimit);
+}
