@@ -1,0 +1,30 @@
+// The virtual line as the tests under Wine see it: COM5 is end a, COM6 is end b.
+#pragma once
+
+// Sockets come before the platform's header.
+#include "line/cable.h"
+
+#include "farend.h"
+#include "host.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace host {
+
+inline constexpr const char* nearPort = "COM5";
+
+class LineTest : public testing::Test {
+  protected:
+    static std::string ControlFile() {
+        const char* folder = std::getenv("TARN_LINE_DIR");
+        return std::string(folder ? folder : ".") + "\\control";
+    }
+
+    void SetUp() override { cable.Reset(); }
+
+    Cable cable{ControlFile()};
+};
+
+} // namespace host
