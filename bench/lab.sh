@@ -155,6 +155,10 @@ median() {
     printf '%s\n' "$@" | sort -g | awk '{ a[NR] = $1 } END { print a[int((NR + 1) / 2)] }'
 }
 
+least() {
+    printf '%s\n' "$@" | sort -g | head -n 1
+}
+
 best() {
     printf '%s\n' "$@" | sort -g | tail -n 1
 }

@@ -44,9 +44,17 @@ const char* NameOf(int code) {
     return "event";
 }
 
-// Runs inside the calls below, whenever the line has something to tell.
+// Runs inside the calls below, whenever the line has something to tell. Receive comes again and again while
+// bytes wait; it is shown when their number changes.
 void CALLBACK OnEvent(HWND line, int, int code) {
-    std::printf("   [%s, %d bytes wait]\n", NameOf(code), GetInBufferCount(line));
+    static int lastCode = 0;
+    static int lastWaiting = -1;
+    const int waiting = GetInBufferCount(line);
+    if (code == lastCode && waiting == lastWaiting)
+        return;
+    lastCode = code;
+    lastWaiting = waiting;
+    std::printf("   [%s, %d bytes wait]\n", NameOf(code), waiting);
 }
 
 // A list for InputUntilLookUp: strings with their NUL, an empty one at the end.

@@ -15,7 +15,9 @@ struct OverlappedCall {
     // The same for a write, which resets the event by itself: a call to the system less for each.
     bool PrepareWrite() {
         state = {};
-        state.hEvent = done.get();
+        // The low bit keeps the call out of a completion port that the host may have bound the device to; the
+        // system spares itself a call per write, port or not.
+        state.hEvent = reinterpret_cast<HANDLE>(reinterpret_cast<ULONG_PTR>(done.get()) | 1);
         return static_cast<bool>(done);
     }
 };

@@ -1,11 +1,11 @@
 #include "portmonitor.h"
 
+#include "growingpause.h"
 #include "overlapped.h"
 #include "TarnComm.h"
 
 #include <objbase.h>
 
-#include <algorithm>
 #include <optional>
 
 namespace {
@@ -35,19 +35,8 @@ enum class WaitResult {
 };
 
 // A wait that ends at once although nothing has changed (bytes that the host leaves unread, a device that is
-// gone) would spin. Each such turn makes the pause before the next one longer.
-class Slowdown {
-  public:
-    void Reset() { pause_ = 0; }
-    DWORD Next() {
-        pause_ = pause_ ? std::min(pause_ * 2, Longest) : 1;
-        return pause_;
-    }
-
-  private:
-    static constexpr DWORD Longest = 40; // ms
-    DWORD pause_ = 0;
-};
+// gone) would spin. Each such turn makes the pause before the next one longer, up to this many ms.
+constexpr DWORD LongestSlowdown = 40;
 
 // Sends the tick and waits until it has run, or until the monitor is told to stop: the window's thread may be
 // closing the port inside this very tick, so it must not be waited for then.
@@ -148,7 +137,7 @@ class Monitor {
     HANDLE hStop_;
     TickSender sender_;
     std::unique_ptr<CharacterWait> wait_;
-    Slowdown slowdown_;
+    GrowingPause slowdown_{LongestSlowdown};
     LRESULT unread_ = 0;
 };
 

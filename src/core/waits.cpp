@@ -1,5 +1,6 @@
 // The waits that a host asks for. Each runs the idle loop until its condition or its limit.
 #include "deadline.h"
+#include "growingpause.h"
 #include "idle.h"
 #include "live.h"
 #include "portstatus.h"
@@ -51,6 +52,7 @@ int TARNAPI WaitForInput(HWND hWnd, LONG lTimeOut) {
         return 0;
     const ObjectWatch watch(*record);
     const Deadline end(lTimeOut);
+    GrowingPause pause(IdlePause); // short at first, since a fast line has more in no time
     for (;;) {
         const int count = record->bPortOpen ? ReadLineStatus(*record).input : 0;
         if (watch.Gone())
@@ -59,7 +61,7 @@ int TARNAPI WaitForInput(HWND hWnd, LONG lTimeOut) {
             return 1;
         if (!record->bPortOpen || record->bShutDown || end.Passed())
             return 0;
-        if (!IdleLoop(record, IdleFor::Input, PauseUntil(end)))
+        if (!IdleLoop(record, IdleFor::Input, std::min(pause.Next(), PauseUntil(end))))
             return 0;
     }
 }

@@ -1,27 +1,14 @@
 #include "writer.h"
 
+#include "growingpause.h"
 #include "overlapped.h"
 
-#include <algorithm>
 #include <array>
 
 namespace {
 
-constexpr DWORD DataWait = 1000; // ms
-
-// A write that fails again and again is tried again more and more slowly.
-class RetryPause {
-  public:
-    void Reset() { pause_ = 0; }
-    DWORD Next() {
-        pause_ = pause_ ? std::min(pause_ * 2, Longest) : 1;
-        return pause_;
-    }
-
-  private:
-    static constexpr DWORD Longest = 100; // ms
-    DWORD pause_ = 0;
-};
+constexpr DWORD DataWait = 1000;         // ms
+constexpr DWORD LongestRetryPause = 100; // ms, of a write that fails again and again
 
 struct WriteCall : OverlappedCall {
     std::array<char, WriterTakeSize> achBuffer;
@@ -166,7 +153,7 @@ void COverlappedWrite::Run() {
     }
     const HANDLE handles[] = {hStop_.get(), ring->DataEvent()};
     DeviceWriter writer(device, hStop_.get());
-    RetryPause retry;
+    GrowingPause retry(LongestRetryPause);
     while (!bStop_) {
         const DWORD woken = WaitForMultipleObjects(2, handles, FALSE, DataWait);
         if (woken == WAIT_OBJECT_0)
