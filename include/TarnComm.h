@@ -87,6 +87,59 @@
 #define TARN_PROCESS_KEYBOARD 2
 #define TARN_PROCESS_BOTH 3
 
+/* SetEmulation */
+#define TARN_EMULATION_NONE 0
+#define TARN_EMULATION_TTY 1
+#define TARN_EMULATION_ANSI 2
+#define TARN_EMULATION_VT52 3
+#define TARN_EMULATION_VT100 4
+
+/* Colours, foreground or 16 times as much for the background */
+#define TARN_COLOR_BLACK 0
+#define TARN_COLOR_BLUE 1
+#define TARN_COLOR_GREEN 2
+#define TARN_COLOR_CYAN 3
+#define TARN_COLOR_RED 4
+#define TARN_COLOR_MAGENTA 5
+#define TARN_COLOR_BROWN 6
+#define TARN_COLOR_LIGHT_GRAY 7
+#define TARN_COLOR_DARK_GRAY 8
+#define TARN_COLOR_LIGHT_BLUE 9
+#define TARN_COLOR_LIGHT_GREEN 10
+#define TARN_COLOR_LIGHT_CYAN 11
+#define TARN_COLOR_LIGHT_RED 12
+#define TARN_COLOR_LIGHT_MAGENTA 13
+#define TARN_COLOR_YELLOW 14
+#define TARN_COLOR_WHITE 15
+
+/* SetColorFilter */
+#define TARN_COLOR_FILTER_FULL 0
+#define TARN_COLOR_FILTER_GRAY 1
+#define TARN_COLOR_FILTER_BW 2
+
+/* SetEndOfLineMode */
+#define TARN_END_OF_LINE_NEXT_LINE 0
+#define TARN_END_OF_LINE_DO_NOTHING 1
+#define TARN_END_OF_LINE_WRAP_LINE 2
+#define TARN_END_OF_LINE_WRAP_SCREEN 3
+
+/* SetAutoScroll */
+#define TARN_AUTO_SCROLL_NONE 0
+#define TARN_AUTO_SCROLL_ROW 1
+#define TARN_AUTO_SCROLL_COLUMN 2
+#define TARN_AUTO_SCROLL_BOTH 3
+#define TARN_AUTO_SCROLL_KEYBOARD 4 /* rows always, columns when a key is pressed; the default */
+
+/* SetAutoSize */
+#define TARN_AUTO_SIZE_NONE 0
+#define TARN_AUTO_SIZE_TERMINAL 1
+#define TARN_AUTO_SIZE_PARENT 2
+
+/* SetCaptureMode */
+#define TARN_CAPTURE_STANDARD 0 /* text without its codes */
+#define TARN_CAPTURE_BINARY 1   /* everything as it came */
+#define TARN_CAPTURE_VISIBLE 2  /* rows, as they leave the screen */
+
 #ifdef __cplusplus
 struct COMCTL;
 extern "C" {
@@ -323,6 +376,104 @@ TARN_IMPORT int TARNAPI ClearLookUpStrings(COMCTL* lpComCtl);
 TARN_IMPORT int TARNAPI LookUpChar(COMCTL* lpComCtl, char c);
 TARN_IMPORT int TARNAPI MatchLookUpString(COMCTL* lpComCtl, const char* lpEnd, int cbAvailable);
 
+/* ---- Terminal ------------------------------------------------------------------------------------------ */
+
+/* The screen is nRows by nColumns cells, each a character and a colour; over it lie nScrollRows rows of
+ * scrollback. Rows and columns count from 0, rows of the scrollback are negative, -1 the newest. A colour is
+ * one byte: foreground in the low nibble, background in the high one, each one of TARN_COLOR_... . There are
+ * cells only while an emulation is on, and from the first one on. */
+
+/* TARN_EMULATION_...; 0, the default, shows an icon in place of the screen. A change between emulations
+ * leaves the screen and an open sequence as they are. docs/terminal.md lists the codes of each. */
+TARN_IMPORT void TARNAPI SetEmulation(HWND hWnd, int nEmulation);
+TARN_IMPORT int TARNAPI GetEmulation(HWND hWnd);
+
+/* The screen's size, 80 by 25 at first; what fits of the text is kept. A count below 1, a product of 65535 or
+ * more, and a size for which there is no memory are ignored. Any call ends the selection. */
+TARN_IMPORT void TARNAPI SetRows(HWND hWnd, int nRows);
+TARN_IMPORT int TARNAPI GetRows(HWND hWnd);
+TARN_IMPORT void TARNAPI SetColumns(HWND hWnd, int nColumns);
+TARN_IMPORT int TARNAPI GetColumns(HWND hWnd);
+
+/* Rows of scrollback, 0 at first. A change empties it. Returns 0, or -1 when memory is out. */
+TARN_IMPORT int TARNAPI SetScrollRows(HWND hWnd, int nScrollRows);
+TARN_IMPORT int TARNAPI GetScrollRows(HWND hWnd);
+
+/* The cursor. A value outside of the screen is ignored. */
+TARN_IMPORT void TARNAPI SetCursorRow(HWND hWnd, int nRow);
+TARN_IMPORT int TARNAPI GetCursorRow(HWND hWnd);
+TARN_IMPORT void TARNAPI SetCursorColumn(HWND hWnd, int nColumn);
+TARN_IMPORT int TARNAPI GetCursorColumn(HWND hWnd);
+
+/* The colour of what is printed or blanked from now on, 0x1F at first. */
+TARN_IMPORT void TARNAPI SetColor(HWND hWnd, int nColor);
+TARN_IMPORT int TARNAPI GetColor(HWND hWnd);
+
+/* How colours are shown: TARN_COLOR_FILTER_... . */
+TARN_IMPORT void TARNAPI SetColorFilter(HWND hWnd, int nColorFilter);
+TARN_IMPORT int TARNAPI GetColorFilter(HWND hWnd);
+
+/* Backspace: 0 erases, 1, the default, moves only. What text does at the end of a row: 0 goes on in the next
+ * row with the next character, 1 overwrites the last cell, 2 goes on in the same row, 3 in the next one or,
+ * from the last, the first. */
+TARN_IMPORT void TARNAPI SetBackspace(HWND hWnd, int nBackspace);
+TARN_IMPORT int TARNAPI GetBackspace(HWND hWnd);
+TARN_IMPORT void TARNAPI SetEndOfLineMode(HWND hWnd, int nEndOfLineMode);
+TARN_IMPORT int TARNAPI GetEndOfLineMode(HWND hWnd);
+
+/* Shows text as if the line had brought it, codes and all: with its NUL, or, after the screen was moved to
+ * the scrollback and cleared, cbText bytes. */
+TARN_IMPORT void TARNAPI TerminalPrintString(HWND hWnd, const char* szText);
+TARN_IMPORT void TARNAPI SetContents(HWND hWnd, const char* lpText, int cbText);
+
+/* The text of the screen, or of the scrollback from its first row that is not blank: rows without trailing
+ * spaces, each with CR and LF. lpBuffer gets the whole rows that fit into cbBuffer bytes (65535 at the most)
+ * with a NUL; NULL only measures. Return the length without the NUL; the length of more than 65535 bytes is
+ * its remainder by 65536. */
+TARN_IMPORT int TARNAPI GetContents(HWND hWnd, char* lpBuffer, int cbBuffer);
+TARN_IMPORT int TARNAPI GetContentsLength(HWND hWnd);
+TARN_IMPORT int TARNAPI GetScrollContents(HWND hWnd, char* lpBuffer, int cbBuffer);
+TARN_IMPORT int TARNAPI GetScrollContentsLength(HWND hWnd);
+
+/* Points into the screen's characters, row after row without any mark between them. The place is not tested,
+ * and the pointer is good until the next text or change of size. An empty string while there is no screen. */
+TARN_IMPORT const char* TARNAPI GetTextAt(HWND hWnd, int nColumn, int nRow);
+
+/* The selection, counted in cells from the screen's first one. Setting the start empties it; both setters
+ * return 0, or -1 for a place outside of the screen. The length over several rows counts a row too many, as
+ * it always has. GetSelectionText writes rows without trailing spaces, CR and LF between them, and a NUL, at
+ * most cbBuffer bytes, and returns the length without the NUL. CopySelectionToClipboard returns 1, or 0 if
+ * the clipboard is not to be had. */
+TARN_IMPORT int TARNAPI SetSelectionStart(HWND hWnd, int nStart);
+TARN_IMPORT int TARNAPI GetSelectionStart(HWND hWnd);
+TARN_IMPORT int TARNAPI SetSelectionLength(HWND hWnd, int nLength);
+TARN_IMPORT int TARNAPI GetSelectionLength(HWND hWnd);
+TARN_IMPORT int TARNAPI GetSelectionText(HWND hWnd, char* lpBuffer, int cbBuffer);
+TARN_IMPORT int TARNAPI CopySelectionToClipboard(HWND hWnd);
+
+/* How the view follows the cursor: TARN_AUTO_SCROLL_... . The window's size: TARN_AUTO_SIZE_...; hMeasured,
+ * if it isn't NULL, is measured and sized in place of the object's window. */
+TARN_IMPORT void TARNAPI SetAutoScroll(HWND hWnd, int nAutoScroll);
+TARN_IMPORT int TARNAPI GetAutoScroll(HWND hWnd);
+TARN_IMPORT void TARNAPI SetAutoSize(HWND hWnd, int nAutoSize, HWND hMeasured);
+TARN_IMPORT int TARNAPI GetAutoSize(HWND hWnd);
+
+/* Scroll bar controls of the host in place of the window's own; NULL goes back to those. The host hands
+ * their messages to the object's window. */
+TARN_IMPORT void TARNAPI SetHScrollBar(HWND hWnd, HWND hScrollBar);
+TARN_IMPORT void TARNAPI SetVScrollBar(HWND hWnd, HWND hScrollBar);
+
+/* Paints nCount rows from nFirst on, whole rows whatever the columns are. */
+TARN_IMPORT void TARNAPI PaintCommWindow(HWND hWnd, HDC dc, int nColumn, int nFirst, int nColumns,
+                                         int nCount);
+
+/* Capture to a file: TARN_CAPTURE_... tells what reaches it. SetCaptureFilename ends a capture and begins one
+ * that appends to the named file; NULL or an empty name only ends. Returns 1, or 0 if the file can't be
+ * opened. A write that fails, on a full disk, loses its bytes and changes nothing else. */
+TARN_IMPORT void TARNAPI SetCaptureMode(HWND hWnd, int nCaptureMode);
+TARN_IMPORT int TARNAPI GetCaptureMode(HWND hWnd);
+TARN_IMPORT int TARNAPI SetCaptureFilename(HWND hWnd, const char* szPath);
+
 /* ---- Log ----------------------------------------------------------------------------------------------- */
 
 /* Appends a message to "wiretap.txt" in the Windows folder: time, text, data as script expressions of up to
@@ -367,15 +518,6 @@ TARN_IMPORT int TARNAPI GetCommEcho(HWND hWnd);
 /* React to a ZModem start sequence in the input of automatic processing; on by default. */
 TARN_IMPORT void TARNAPI SetAutoZModem(HWND hWnd, int bAutoZModem);
 TARN_IMPORT int TARNAPI GetAutoZModem(HWND hWnd);
-
-/* Terminal: backspace 0 erases, 1 moves only; end of line 0 next line, 1 nothing, 2 wraps the line, 3 wraps
- * the screen; capture 0 text, 1 everything, 2 what is visible. */
-TARN_IMPORT void TARNAPI SetBackspace(HWND hWnd, int nBackspace);
-TARN_IMPORT int TARNAPI GetBackspace(HWND hWnd);
-TARN_IMPORT void TARNAPI SetEndOfLineMode(HWND hWnd, int nEndOfLineMode);
-TARN_IMPORT int TARNAPI GetEndOfLineMode(HWND hWnd);
-TARN_IMPORT void TARNAPI SetCaptureMode(HWND hWnd, int nCaptureMode);
-TARN_IMPORT int TARNAPI GetCaptureMode(HWND hWnd);
 
 /* Dialing: 0 tone, 1 pulse; the limit of a dialing attempt in ms. */
 TARN_IMPORT void TARNAPI SetDialMode(HWND hWnd, int nDialMode);

@@ -8,6 +8,8 @@
 // The initialisers below are the object's defaults.
 #pragma once
 
+#include "slidingplane.h"
+
 #include <windows.h>
 
 #include <memory>
@@ -92,8 +94,8 @@ struct COMCTL {
     int bReverse = 0;
     int bBlink = 0;
     int bWrapPending = 0;
-    char* lpText = nullptr;
-    BYTE* lpColor = nullptr;
+    SlidingPlane<char> lpText; // the screen; none before an emulation is switched on
+    SlidingPlane<BYTE> lpColor;
     int nEmulation = 0; // 0 none, 1 TTY, 2 ANSI, 3 VT52, 4 VT100
     int nAutoScroll = 4;
     int nAutoProcess = 0; // bit 0 serial input, bit 1 keyboard
@@ -104,8 +106,8 @@ struct COMCTL {
     int bCaret = 0;
     int nCaptureMode = 0; // 0 standard, 1 binary, 2 visible
     HFILE hCaptureFile = HFILE_ERROR;
-    char* lpScrollText = nullptr;
-    BYTE* lpScrollColor = nullptr;
+    SlidingPlane<char> lpScrollText; // the scrollback, its newest row last
+    SlidingPlane<BYTE> lpScrollColor;
     int nScrollRows = 0;
     int nColorFilter = 0;
     char chLookUpSeparator = '\0';
@@ -153,6 +155,8 @@ struct COMCTL {
     int nDirtyFirst = 0;
     int nDirtyLast = 0;
     int bRepaintPosted = 0;
+    int nPictureScroll = 0; // rows that the picture still has to move up
+    DWORD dwLastPaint = 0;  // ticks, when rows were painted last
     int bKeypadNumeric = 1;
     int nPendingError = 0;
     int nScrollTop = 0;

@@ -8,6 +8,7 @@
 #include "rooms.h"
 #include "TarnComm.h"
 #include "Tc-lkup.h"
+#include "terminal/window.h"
 #include "thread.h"
 #include "tick.h"
 #include "writer.h"
@@ -27,17 +28,6 @@ constexpr size_t longestTitle = 254;    // characters that a title may have to b
 // Objects made by this module; never counts down, so names are not used twice.
 std::atomic<int> objectsMade{0};
 
-void MeasureFont(COMCTL& record) {
-    const HDC dc = GetDC(record.hWnd);
-    const HGDIOBJ before = SelectObject(dc, record.hFont);
-    TEXTMETRICA metrics = {};
-    GetTextMetricsA(dc, &metrics);
-    SelectObject(dc, before);
-    ReleaseDC(record.hWnd, dc);
-    record.cxChar = metrics.tmAveCharWidth;
-    record.cyChar = metrics.tmHeight;
-}
-
 LRESULT OnCreate(HWND hWnd, const CREATESTRUCTA& parameters) {
     auto record = std::unique_ptr<COMCTL>(new (std::nothrow) COMCTL);
     if (!record)
@@ -49,8 +39,8 @@ LRESULT OnCreate(HWND hWnd, const CREATESTRUCTA& parameters) {
     record->hFont = static_cast<HFONT>(GetStockObject(SYSTEM_FONT));
     record->cxWindow = parameters.cx;
     record->cyWindow = parameters.cy;
-    MeasureFont(*record);
     record->lpOverlappedWrite = std::make_unique<COverlappedWrite>(WriterRingSize);
+    OpenTerminal(*record);
     std::iota(std::begin(record->abCharMap), std::end(record->abCharMap), BYTE{0});
     record->bSendFlag = 1;
     std::snprintf(record->szName, sizeof record->szName, "Comm%d", ++objectsMade);
@@ -83,8 +73,7 @@ void OnDestroy(HWND hWnd) {
     RemoveLiveObject(hWnd); // from here on the handle is dead to everybody, this thread's own messages too
     SetWindowLongPtrA(hWnd, 0, 0);
     StopTransferWorker(*record);
-    if (record->hCaptureFile != HFILE_ERROR)
-        _lclose(record->hCaptureFile);
+    CloseTerminal(*record);
     if (record->idTimer)
         KillTimer(hWnd, record->idTimer);
     if (record->hLibrary)
@@ -116,6 +105,14 @@ LRESULT OnFireEvent(HWND hWnd, int code) {
     return 0;
 }
 
+LRESULT OnOther(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (COMCTL* record = RecordOf(hWnd)) {
+        if (const auto answer = AnswerTerminal(*record, message, wParam, lParam))
+            return *answer;
+    }
+    return message == WM_TIMER ? Tick(hWnd) : DefWindowProcA(hWnd, message, wParam, lParam);
+}
+
 LRESULT Answer(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_CREATE:
@@ -131,12 +128,10 @@ LRESULT Answer(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
         return 1;
     case WM_GETDLGCODE:
         return DLGC_WANTARROWS | DLGC_WANTTAB | DLGC_WANTALLKEYS;
-    case WM_TIMER:
-        return Tick(hWnd);
     case FireEventMessage:
         return OnFireEvent(hWnd, static_cast<int>(wParam));
     default:
-        return DefWindowProcA(hWnd, message, wParam, lParam);
+        return OnOther(hWnd, message, wParam, lParam);
     }
 }
 

@@ -30,21 +30,24 @@ TEST(Life, NamesCountObjectsAndAreNeverUsedTwice) {
     DestroyCommObject(third);
 }
 
-TEST(Life, ObjectWithoutParentIsAPopupOfSizeZero) {
+TEST(Life, ObjectWithoutParentIsAPopupOfAnIconsSize) {
     const host::CommObject object;
     RECT box = {};
     GetWindowRect(object, &box);
     EXPECT_EQ(GetWindowLongA(object, GWL_STYLE) & (WS_POPUP | WS_CHILD), static_cast<LONG>(WS_POPUP));
-    EXPECT_EQ(box.right - box.left, 0);
-    EXPECT_EQ(box.bottom - box.top, 0);
+    EXPECT_EQ(box.right - box.left, GetSystemMetrics(SM_CXICON));
+    EXPECT_EQ(box.bottom - box.top, GetSystemMetrics(SM_CYICON));
 }
 
-TEST(Life, ObjectWithParentIsAChildWithBothScrollBars) {
+TEST(Life, ObjectWithParentIsAChildWhoseScrollBarsShowWhenThereIsSomethingToScroll) {
     const HWND parent =
         CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     const HWND object = CreateCommObject(parent);
-    const LONG wanted = WS_CHILD | WS_HSCROLL | WS_VSCROLL;
-    EXPECT_EQ(GetWindowLongA(object, GWL_STYLE) & wanted, wanted);
+    const LONG bars = WS_HSCROLL | WS_VSCROLL;
+    EXPECT_EQ(GetWindowLongA(object, GWL_STYLE) & (WS_CHILD | bars), static_cast<LONG>(WS_CHILD));
+    SetEmulation(object, TARN_EMULATION_ANSI);
+    SetWindowPos(object, nullptr, 0, 0, 200, 100, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(GetWindowLongA(object, GWL_STYLE) & bars, bars);
     EXPECT_EQ(GetParent(object), parent);
     DestroyWindow(parent);
     EXPECT_EQ(RecordOf(object), nullptr) << "the record goes with the window";
