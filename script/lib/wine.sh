@@ -1,11 +1,12 @@
 # shellcheck shell=bash
-# The tests' own Wine: a prefix for each of x86, x64 and bench under build/wine, with the serial ports that lead
-# to the virtual line. Sourced by scripts; the user's prefix is never touched.
+# The tests' own Wine: a prefix for each of x86, x64, bench and screen under build/wine, with the serial ports that
+# lead to the virtual line. Only programs in screen paint, on the display of display.sh. Sourced by scripts; the user's
+# prefix is never touched.
 
 wine_root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
 wine_linger=60 # seconds that a wineserver waits for the next program
 
-# Makes a prefix current: use_wine x86|x64|bench [build root]
+# Makes a prefix current: use_wine x86|x64|bench|screen [build root]
 use_wine() {
     wine_name=$1
     wine_build=${2:-$wine_root/build}
@@ -42,7 +43,13 @@ list_ports() {
 
 print_registry() {
     local number path
-    printf 'REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Wine\\Drivers]\n"Graphics"="null"\n'
+    printf 'REGEDIT4\n'
+    if [[ $wine_name == screen ]]; then
+        # No window manager runs there: Wine is to give the focus and to place the windows by itself.
+        printf '\n[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n"Managed"="N"\n'
+    else
+        printf '\n[HKEY_CURRENT_USER\\Software\\Wine\\Drivers]\n"Graphics"="null"\n'
+    fi
     # A program that crashes ends with a backtrace, not in a dialog that nobody sees.
     printf '\n[HKEY_CURRENT_USER\\Software\\Wine\\WineDbg]\n"ShowCrashDialog"=dword:00000000\n'
     printf '\n[HKEY_LOCAL_MACHINE\\Software\\Wine\\Ports]\n'
