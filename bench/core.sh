@@ -224,7 +224,7 @@ growth_rows() {
 }
 
 start_lab
-table_head "core, $arch: best of $bulk_rounds rates, median or least of $rounds"
+table_head "core, $arch: best of $bulk_rounds rates, median or least of $rounds" module bare
 bulk_row output run_out run_out 1024
 # The writer hands the device 1024 bytes at a time whatever the host's blocks are: not the same block sizes.
 bulk_row output run_out run_out 4096 free

@@ -163,11 +163,12 @@ best() {
     printf '%s\n' "$@" | sort -g | tail -n 1
 }
 
+# table_head TITLE OURS OTHERS
 table_head() {
-    printf '%-44s %12s %12s %10s %10s  %s\n' "$1" module bare "against" limit ""
+    printf '%-44s %12s %12s %10s %10s  %s\n' "$@" "against" limit ""
 }
 
-# row WHAT MODULE BARE COMPARISON LIMIT ok|miss|-
+# row WHAT OURS OTHERS COMPARISON LIMIT ok|miss|-
 row() {
     printf '%-44s %12s %12s %10s %10s  %s\n' "$@"
     [[ $6 != miss ]] || missed=1
