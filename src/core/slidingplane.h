@@ -1,5 +1,6 @@
 // A plane of cells, flat and row by row, that can let its first rows go without moving the others: it slides
-// inside a block of twice its size, and only now and then everything moves back to the block's beginning.
+// inside a block of three times its size, and only now and then everything moves back to the block's
+// beginning.
 #pragma once
 
 #include <algorithm>
@@ -22,7 +23,7 @@ class SlidingPlane {
         if (columns < 0 || rows < 0 || static_cast<long long>(columns) * rows > MostCells)
             return false;
         const size_t cells = static_cast<size_t>(columns) * static_cast<size_t>(rows);
-        const size_t size = cells + std::max(cells, static_cast<size_t>(columns) * LeastSlack) + 1;
+        const size_t size = cells + std::max(2 * cells, static_cast<size_t>(columns) * LeastSlack) + 1;
         std::unique_ptr<Cell[]> block(new (std::nothrow) Cell[size]);
         if (!block)
             return false;
