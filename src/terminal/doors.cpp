@@ -61,7 +61,9 @@ int MoveSelection(COMCTL& record, int offset) {
     if (offset < 0 || offset > record.nColumns * record.nRows)
         return refusedOffset;
     const Cell cell = CellAtOffset(record, offset);
-    SetSelection(record, cell, cell);
+    record.nSelStartRow = record.nSelEndRow = record.nSelAnchorRow = cell.row;
+    record.nSelStartColumn = record.nSelEndColumn = record.nSelAnchorColumn = cell.column;
+    RepaintScreen(record);
     return 0;
 }
 
@@ -74,7 +76,7 @@ int StretchSelection(COMCTL& record, int length) {
     const Cell cell = CellAtOffset(record, static_cast<int>(end));
     record.nSelEndRow = cell.row;
     record.nSelEndColumn = cell.column;
-    RepaintAll(record, Erase::No);
+    RepaintScreen(record);
     return 0;
 }
 
@@ -251,7 +253,11 @@ int TARNAPI CopySelectionToClipboard(HWND hWnd) {
 void TARNAPI PaintCommWindow(HWND hWnd, HDC dc, int nColumn, int nFirst, int nColumns, int nCount) {
     static_cast<void>(nColumn); // whole rows are painted
     static_cast<void>(nColumns);
-    WithRecord("PaintCommWindow", hWnd, [&](COMCTL& record) { PaintTerminal(record, dc, nFirst, nCount); });
+    WithRecord("PaintCommWindow", hWnd, [&](COMCTL& record) {
+        if (record.nPictureScroll) // it would move what is painted now
+            ServeRepaint(record);
+        PaintTerminal(record, dc, nFirst, nCount);
+    });
 }
 
 int TARNAPI SetCaptureFilename(HWND hWnd, const char* szPath) {

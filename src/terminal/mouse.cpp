@@ -68,11 +68,14 @@ void OnLeftButtonDown(COMCTL& record, POINT point, Extend extend) {
     if (!TakeFocus(record))
         return;
     SetCapture(record.hWnd);
-    const Cell cell = CellAt(record, point);
-    if (extend == Extend::Yes)
+    Cell cell = CellAt(record, point);
+    if (extend == Extend::Yes) {
         ExtendSelection(record, cell);
-    else
-        SetSelection(record, cell, cell);
+        return;
+    }
+    // Behind the row's end there is a place to drag to, but none to begin at.
+    cell.column = std::min(cell.column, record.nColumns - 1);
+    SetSelection(record, cell, cell);
 }
 
 void OnLeftButtonUp(COMCTL& record) {

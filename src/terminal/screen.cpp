@@ -187,6 +187,9 @@ void ScrollScreen(COMCTL& record) {
     record.lpColor.Slide(1);
     BlankRow(record, record.nRows - 1);
     ScrollPictureUp(record);
+    // A selection that has not moved along, for want of scrollback, must not move in the picture.
+    if (SelectionLength(record))
+        MarkDirtyRows(record, std::min(record.nTopRow, 0), record.nRows - 1);
 }
 
 void ClearScreen(COMCTL& record) {
@@ -229,6 +232,9 @@ ResizeResult ResizeTerminal(COMCTL& record, int columns, int rows) {
     record.nDirtyLast = rows;
     RepaintAll(record, Erase::Yes);
     UpdateScrollBars(record);
+    // More rows may be visible now than were painted.
+    if (record.nEmulation)
+        PostRepaint(record);
     return ResizeResult::Done;
 }
 
@@ -243,6 +249,9 @@ int RebuildScrollback(COMCTL& record, int rows) {
     record.lpScrollText = std::move(text);
     record.lpScrollColor = std::move(color);
     record.nScrollRows = rows;
+    const bool isShown = record.nTopRow < 0;
     UpdateScrollBars(record);
+    if (isShown)
+        RepaintAll(record, Erase::No);
     return 0;
 }

@@ -81,6 +81,26 @@ void HoldView(COMCTL& record) {
     record.nLeftColumn = std::max(std::min(record.nLeftColumn, LastLeftColumn(record)), 0);
 }
 
+// Has everything painted anew if the view moves while it lives.
+class WatchedView {
+  public:
+    explicit WatchedView(COMCTL& record) : record_(record), top_(record.nTopRow), left_(record.nLeftColumn) {}
+    ~WatchedView() {
+        if (record_.nTopRow == top_ && record_.nLeftColumn == left_)
+            return;
+        DropPictureScroll(record_);
+        InvalidateRect(record_.hWnd, nullptr, FALSE);
+        PositionCaret(record_);
+    }
+    WatchedView(const WatchedView&) = delete;
+    WatchedView& operator=(const WatchedView&) = delete;
+
+  private:
+    COMCTL& record_;
+    int top_;
+    int left_;
+};
+
 // Scrolling by a bar: what its codes do to a position.
 struct Scroll {
     int position;
@@ -107,7 +127,7 @@ int PageDown(const Scroll& scroll) {
 }
 
 int ThumbPosition(const Scroll& scroll) {
-    return std::max(std::min(scroll.thumb, scroll.top), scroll.floor);
+    return std::max(std::min(scroll.thumb, std::max(scroll.top, 0)), scroll.floor);
 }
 
 int ToFloor(const Scroll& scroll) {
@@ -189,6 +209,7 @@ void UpdateScrollBars(COMCTL& record) {
         return;
     }
     const SIZE client = ClientSize(record.hWnd);
+    const WatchedView view(record);
     if (EverythingFits(record, client)) {
         ShowEverything(record);
         return;

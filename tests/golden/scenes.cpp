@@ -213,6 +213,38 @@ void PlayMouseProportional(Stage& stage) {
     Drag(stage, stage.At(1.5, 12), stage.At(2.5, 8), 1);
 }
 
+// What the window shows must follow changes of size, of the scrollback and of the selection.
+
+void PlayGrown(Stage& stage) {
+    SetRows(stage.Terminal(), 6);
+    PrintLines(stage, 1, 6);
+    stage.Settle();
+    SetColor(stage.Terminal(), ColorOf(TARN_COLOR_BLACK, TARN_COLOR_LIGHT_GRAY));
+    SetRows(stage.Terminal(), 20);
+}
+
+void PlayScrollbackLost(Stage& stage) {
+    PlayScrollback(stage);
+    stage.Settle();
+    SetScrollRows(stage.Terminal(), 30);
+}
+
+void PlayScrolledSelection(Stage& stage) {
+    PrintLines(stage, 1, 12);
+    stage.Select(2, 3, 2 * 60 + 10);
+    stage.Settle();
+    PrintLines(stage, 13, 40);
+}
+
+void PlayRowsTakenWhileScrolled(Stage& stage) {
+    PrintLines(stage, 1, 40);
+    stage.Settle();
+    for (int i = 0; i < 3; ++i)
+        SendMessageA(stage.Terminal(), WM_VSCROLL, SB_LINEDOWN, 0);
+    stage.Settle();
+    SetRows(stage.Terminal(), 10);
+}
+
 const Scene scenes[] = {
     {"colors", {}, PlayColors},
     {"filter-full", {}, PlayFiltered<TARN_COLOR_FILTER_FULL>},
@@ -231,6 +263,10 @@ const Scene scenes[] = {
     {"erased", {}, PlayErased},
     {"characters", {.emulation = TARN_EMULATION_TTY, .columns = 33}, PlayCharacters},
     {"proportional", {.lettering = Lettering::Proportional}, PlayProportional},
+    {"grown", {}, PlayGrown},
+    {"scrollback-lost", {.scrollRows = 50}, PlayScrollbackLost},
+    {"scrolled-selection", {}, PlayScrolledSelection},
+    {"rows-taken-while-scrolled", {.scrollRows = 50, .shownRows = 12}, PlayRowsTakenWhileScrolled},
     {"mouse-down", {}, PlayMouseDown},
     {"mouse-upwards", {}, PlayMouseUpwards},
     {"mouse-above-window", {.scrollRows = 50}, PlayMouseAboveWindow},

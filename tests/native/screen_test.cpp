@@ -492,7 +492,7 @@ TEST(Screen, EmulationSwitchedOnMakesThePlanes) {
     EXPECT_EQ(screen.Rows(), Rows(2));
     EXPECT_EQ(screen.Colors(0), std::string(6, '\x1F'));
     EXPECT_EQ(screen.Colors(-1), std::string(6, '\0'));
-    EXPECT_EQ(screen.world.journal, (Rows{"restore size", "erase all", "scroll bars", "paint all"}));
+    EXPECT_EQ(screen.world.journal, (Rows{"restore size", "erase all", "scroll bars", "post", "paint all"}));
 }
 
 TEST(Screen, EmulationSwitchedOffKeepsThePlanesAndGoesOnUnseen) {

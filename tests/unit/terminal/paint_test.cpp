@@ -382,6 +382,12 @@ TEST_F(Painting, DirtyRowThatHasGoneToAShownScrollbackStaysDirty) {
     EXPECT_EQ(Record().nDirtyFirst, -2);
 }
 
+TEST_F(Painting, HostsPaintingComesAfterTheMove) {
+    ScrollPictureUp(Record());
+    Paint();
+    EXPECT_EQ(Record().nPictureScroll, 0);
+}
+
 TEST_F(Painting, PaintMessageTakesThePlaceOfAMove) {
     ScrollPictureUp(Record());
     SendMessageA(object, WM_PAINT, 0, 0);

@@ -114,7 +114,17 @@ TEST_F(Selection, SettingTheStartCollapsesIt) {
     EXPECT_EQ(Selected(), (Corners{2, 3, 2, 3}));
     EXPECT_EQ(SetSelectionStart(object, -1), -1);
     EXPECT_EQ(SetSelectionStart(object, 2001), -1);
-    EXPECT_NE(SetSelectionStart(object, 2000), -1) << "just behind the last cell";
+    EXPECT_EQ(SetSelectionStart(object, 2000), 0) << "just behind the last cell";
+    EXPECT_EQ(Selected(), (Corners{25, 0, 25, 0}));
+    EXPECT_EQ(GetSelectionLength(object), 0);
+}
+
+TEST_F(Selection, StartInTheFirstRowOfAFreshObjectHolds) {
+    EXPECT_EQ(SetSelectionStart(object, 5), 0);
+    EXPECT_EQ(Selected(), (Corners{0, 5, 0, 5}));
+    EXPECT_EQ(SetSelectionLength(object, 3), 0);
+    EXPECT_EQ(Selected(), (Corners{0, 5, 0, 8}));
+    EXPECT_EQ(Record().nSelAnchorColumn, 5) << "the anchor stays";
 }
 
 TEST_F(Selection, SettingTheLengthMovesTheEnd) {
@@ -280,6 +290,13 @@ TEST_F(Selection, DraggingSelects) {
     EXPECT_NE(GetCapture(), static_cast<HWND>(object));
     Mouse(WM_MOUSEMOVE, PointIn(30, 20));
     EXPECT_EQ(Selected(), (Corners{0, 1, 2, 5})) << "no more";
+}
+
+TEST_F(Selection, ClickBehindTheRowsEndSelectsNothing) {
+    Mouse(WM_LBUTTONDOWN, MAKELPARAM(5000, 3));
+    Mouse(WM_LBUTTONUP, MAKELPARAM(5000, 3));
+    EXPECT_EQ(GetSelectionLength(object), 0);
+    EXPECT_EQ(Record().nSelAnchorColumn, Record().nColumns - 1);
 }
 
 TEST_F(Selection, ShiftExtendsFromTheAnchor) {

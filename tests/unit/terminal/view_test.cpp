@@ -158,6 +158,15 @@ TEST_F(View, VerticalScrollCodes) {
     }
 }
 
+TEST_F(View, ThumbReachesTheScreenInAWindowThatShowsMoreThanIt) {
+    object.ShowCells(30, 35);
+    SetScrollRows(object, 20);
+    Scroll(WM_VSCROLL, SB_THUMBPOSITION, -12);
+    EXPECT_EQ(Record().nTopRow, -12);
+    Scroll(WM_VSCROLL, SB_THUMBPOSITION, 0);
+    EXPECT_EQ(Record().nTopRow, 0);
+}
+
 // 80 columns in a window of 30: from 0 to 50.
 const ScrollRow horizontalRows[] = {
     {"left", SB_LINELEFT, 3, 0, 2},
