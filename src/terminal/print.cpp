@@ -107,10 +107,22 @@ constexpr LineDrawRow lineDrawRows[] = {
     {'z', '>', "greater, for greater or equal"},
 };
 
-constexpr auto lineDraw = [] {
+constexpr auto isControl = [] {
+    std::array<bool, 256> table{};
+    for (size_t i = 0; i < table.size(); ++i)
+        table[i] = controls[i];
+    return table;
+}();
+
+constexpr auto asTheyAre = [] {
     std::array<BYTE, 256> table{};
     for (size_t i = 0; i < table.size(); ++i)
         table[i] = static_cast<BYTE>(i);
+    return table;
+}();
+
+constexpr auto lineDraw = [] {
+    auto table = asTheyAre;
     for (const LineDrawRow& row : lineDrawRows)
         table[static_cast<BYTE>(row.code)] = row.glyph;
     return table;
@@ -156,20 +168,22 @@ BYTE PrintAttribute(const COMCTL& record) {
 // control character.
 int PrintInRow(COMCTL& record, const char* bytes, int count) {
     const BYTE* map = record.abCharMap;
-    const BYTE* draw = record.bLineDraw ? lineDraw.data() : nullptr;
+    const BYTE* draw = record.bLineDraw ? lineDraw.data() : asTheyAre.data();
     const int start = CursorCell(record);
-    const int room = record.nColumns - record.nCursorColumn;
-    char* text = record.lpText.Data() + start;
-    int stored = 0;
-    int used = 0;
-    for (; used < count && stored < room; ++used) {
-        const auto byte = static_cast<BYTE>(bytes[used]);
-        if (controls[byte])
+    char* const text = record.lpText.Data() + start;
+    char* const end = text + (record.nColumns - record.nCursorColumn);
+    char* place = text;
+    const char* next = bytes;
+    for (const char* last = bytes + count; next != last && place != end; ++next) {
+        const auto byte = static_cast<BYTE>(*next);
+        if (isControl[byte])
             break;
-        const BYTE glyph = map[draw ? draw[byte] : byte];
+        const BYTE glyph = map[draw[byte]];
         if (!IsDropped(glyph))
-            text[stored++] = static_cast<char>(glyph);
+            *place++ = static_cast<char>(glyph);
     }
+    const auto stored = static_cast<int>(place - text);
+    const auto used = static_cast<int>(next - bytes);
     if (stored) {
         std::memset(record.lpColor.Data() + start, PrintAttribute(record), static_cast<size_t>(stored));
         record.nCursorColumn += stored;

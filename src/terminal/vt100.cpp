@@ -5,6 +5,7 @@
 #include "picture.h"
 #include "screen.h"
 #include "sequence.h"
+#include "stream.h"
 
 #include <algorithm>
 #include <cstring>
@@ -142,17 +143,8 @@ std::span<const CodeRow> Vt100Codes() {
 }
 
 bool Vt100Write(COMCTL& record, const char* bytes, int count) {
-    if (!record.lpText)
-        return true;
-    IntroducerFinder introducers;
-    while (count > 0 && record.lpText) { // a code or the host may free the planes
-        if (!record.nEscape) {
-            if (!PrintUpTo(record, bytes, count, introducers.Next(bytes, count)))
-                break;
-        } else if (!GoOnWithSequence(record, bytes, count)) {
-            return false;
-        }
-    }
-    MarkDirtyRow(record);
-    return true;
+    auto find = [introducers = IntroducerFinder()](const char* from, int length) mutable {
+        return introducers.Next(from, length);
+    };
+    return SplitStream(record, bytes, count, find, GoOnWithSequence);
 }

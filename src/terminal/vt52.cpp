@@ -7,6 +7,7 @@
 #include "replies.h"
 #include "screen.h"
 #include "sequence.h"
+#include "stream.h"
 #include "terminal.h"
 
 #include <algorithm>
@@ -89,6 +90,11 @@ bool Complete(COMCTL& record, const char*& bytes, int& count) {
             CollectUntil(record, bytes, count, addressLength));
 }
 
+// False: the object is gone.
+bool GoOnWithCode(COMCTL& record, const char*& bytes, int& count) {
+    return !Complete(record, bytes, count) || RunCode(record);
+}
+
 } // namespace
 
 std::span<const CodeRow> Vt52Codes() {
@@ -96,18 +102,5 @@ std::span<const CodeRow> Vt52Codes() {
 }
 
 bool Vt52Write(COMCTL& record, const char* bytes, int count) {
-    if (!record.lpText)
-        return true;
-    while (count > 0 && record.lpText) { // a code or the host may free the planes
-        if (!record.nEscape) {
-            const auto* esc =
-                static_cast<const char*>(std::memchr(bytes, ascii::ESC, static_cast<size_t>(count)));
-            if (!PrintUpTo(record, bytes, count, esc))
-                break;
-        } else if (Complete(record, bytes, count) && !RunCode(record)) {
-            return false;
-        }
-    }
-    MarkDirtyRow(record);
-    return true;
+    return SplitStream(record, bytes, count, FindEscape, GoOnWithCode);
 }
