@@ -185,15 +185,16 @@ growth_line() {
     row "$1 open: $3" "$(calculate %.0f "$m / $4")" "$(calculate %.0f "$b / $4")" "" "" -
 }
 
-# A port of many may cost half as much again as the only one, or what it costs the bare program: straight_row NAME LABEL PER_PORT
+# A port of many may cost half as much again as the only one, or, where Wine's own threads make it dearer for everybody,
+# half as much again as it grows for the bare program: straight_row NAME LABEL PER_PORT
 straight_row() {
-    local one most=${growth_ports[-1]} many share bare
+    local one most=${growth_ports[-1]} many share bare limit
     one=$(value_of "$1" "${grown[module 1]}")
     many=$(value_of "$1" "${grown[module $most]}")
     share=$(calculate %.2f "$many / ($3) / $one")
     bare=$(calculate %.2f "$(value_of "$1" "${grown[bare $most]}") / ($3) / $(value_of "$1" "${grown[bare 1]}")")
-    row "$2, $most ports against 1" "$share" "$bare" "" "<= 1.5" \
-        "$(holds "$share > 0 && ($share <= 1.5 || $share <= $bare)")"
+    limit=$(calculate %.2f "1.5 * ($bare > 1 ? $bare : 1)")
+    row "$2, $most ports against 1" "$share" "$bare" "" "<= $limit" "$(holds "$share > 0 && $share <= $limit")"
 }
 
 # Takes from a footprint what the side's program is before it opens a port.
