@@ -5,8 +5,6 @@
 #include "measure.h"
 #include "paint.h"
 
-#include <algorithm>
-#include <climits>
 #include <cstdlib>
 
 namespace {
@@ -56,17 +54,6 @@ void RepaintAll(COMCTL& record, Erase erase) {
     UpdateWindow(record.hWnd);
 }
 
-void ScrollPictureUp(COMCTL& record) {
-    if (record.nPictureScroll < INT_MAX)
-        ++record.nPictureScroll;
-    // A dirty row can be one of the scrollback by now, and yet be shown.
-    const int firstShown = std::min(record.nTopRow, 0);
-    const bool isClean = record.nDirtyFirst == record.nDirtyLast;
-    record.nDirtyFirst = isClean ? record.nRows - 1 : std::max(record.nDirtyFirst - 1, firstShown);
-    record.nDirtyLast = record.nRows;
-    PostRepaint(record);
-}
-
 void ServeRepaint(COMCTL& record) {
     record.bRepaintPosted = 0;
     if (!record.nEmulation)
@@ -78,10 +65,6 @@ void ServeRepaint(COMCTL& record) {
     PaintDirtyRows(record);
     PositionCaret(record);
     record.dwLastPaint = GetTickCount();
-}
-
-void DropPictureScroll(COMCTL& record) {
-    record.nPictureScroll = 0;
 }
 
 void MovePicture(COMCTL& record, int columns, int rows) {

@@ -99,15 +99,6 @@ void RepaintAll(COMCTL& record, Erase erase) {
         present->picture = PlanesOf(record);
 }
 
-void ScrollPictureUp(COMCTL& record) {
-    ++record.nPictureScroll;
-    const int firstShown = std::min(record.nTopRow, 0);
-    const bool isClean = record.nDirtyFirst == record.nDirtyLast;
-    record.nDirtyFirst = isClean ? record.nRows - 1 : std::max(record.nDirtyFirst - 1, firstShown);
-    record.nDirtyLast = record.nRows;
-    PostRepaint(record);
-}
-
 void ServeRepaint(COMCTL& record) {
     record.bRepaintPosted = 0;
     if (!record.nEmulation)
@@ -121,10 +112,6 @@ void ServeRepaint(COMCTL& record) {
     record.nPictureScroll = 0;
     record.nDirtyFirst = 0;
     record.nDirtyLast = 0;
-}
-
-void DropPictureScroll(COMCTL& record) {
-    record.nPictureScroll = 0;
 }
 
 void PaintRowsNow(COMCTL&, int first, int last) {
