@@ -1,28 +1,12 @@
 #include "portmonitor.h"
 
+#include "comapartment.h"
 #include "growingpause.h"
 #include "overlapped.h"
+#include "stoppablesend.h"
 #include "TarnComm.h"
 
-#include <objbase.h>
-
-#include <optional>
-
 namespace {
-
-class ComApartment {
-  public:
-    ComApartment() : entered_(SUCCEEDED(CoInitialize(nullptr))) {}
-    ~ComApartment() {
-        if (entered_)
-            CoUninitialize();
-    }
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-
-  private:
-    bool entered_;
-};
 
 struct CharacterWait : OverlappedCall {
     DWORD mask = 0;
@@ -37,48 +21,6 @@ enum class WaitResult {
 // A wait that ends at once although nothing has changed (bytes that the host leaves unread, a device that is
 // gone) would spin. Each such turn makes the pause before the next one longer, up to this many ms.
 constexpr DWORD LongestSlowdown = 40;
-
-// Sends the tick and waits until it has run, or until the monitor is told to stop: the window's thread may be
-// closing the port inside this very tick, so it must not be waited for then.
-class TickSender {
-  public:
-    TickSender(HWND hWnd, HANDLE hStop) : hWnd_(hWnd), hStop_(hStop) {}
-
-    // The tick's answer, or nothing when it is time to stop.
-    std::optional<LRESULT> Send() {
-        answered_ = false;
-        if (!SendMessageCallbackA(hWnd_, WM_TIMER, 0, 0, TakeAnswer, reinterpret_cast<ULONG_PTR>(this)))
-            return TickFoundNothing;
-        while (!answered_) {
-            if (MsgWaitForMultipleObjects(1, &hStop_, FALSE, CheckWindowEvery, QS_ALLINPUT) == WAIT_OBJECT_0)
-                return std::nullopt;
-            ServeOwnMessages();
-            if (!answered_ && !IsWindow(hWnd_))
-                return TickFoundNothing;
-        }
-        return answer_;
-    }
-
-  private:
-    static constexpr DWORD CheckWindowEvery = 1000; // ms
-
-    static void CALLBACK TakeAnswer(HWND, UINT, ULONG_PTR sender, LRESULT answer) {
-        auto& self = *reinterpret_cast<TickSender*>(sender);
-        self.answer_ = answer;
-        self.answered_ = true;
-    }
-
-    static void ServeOwnMessages() {
-        MSG message;
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
-            DispatchMessageA(&message);
-    }
-
-    HWND hWnd_;
-    HANDLE hStop_;
-    bool answered_ = false;
-    LRESULT answer_ = 0;
-};
 
 class Monitor {
   public:
@@ -119,7 +61,7 @@ class Monitor {
     bool TickAndPause(WaitResult result) {
         LRESULT answer = TickFoundNothing;
         if (result == WaitResult::Ticks) {
-            const auto sent = sender_.Send();
+            const auto sent = sender_.Send(WM_TIMER, 0, 0, TickFoundNothing);
             if (!sent)
                 return false;
             answer = *sent;
@@ -135,7 +77,7 @@ class Monitor {
 
     HANDLE device_;
     HANDLE hStop_;
-    TickSender sender_;
+    StoppableSend sender_;
     std::unique_ptr<CharacterWait> wait_;
     GrowingPause slowdown_{LongestSlowdown};
     LRESULT unread_ = 0;
