@@ -26,8 +26,9 @@
  * to the control that owns the object. A host may close the port or destroy the object inside an event.
  *
  * Waits. Functions that wait (ComPause, WaitForInput, FlushInputBuffer, FlushOutputBuffer, GetLineInput,
- * InputUntilLookUp, DiscardUntilLookUp) run the thread's messages meanwhile, so events come during them.
- * GetBusy tells that a wait runs; GetInput, InputUntilLookUp and DestroyCommObject refuse to work then.
+ * InputUntilLookUp, DiscardUntilLookUp, WaitUntilTransferIsFinished) run the thread's messages meanwhile, so
+ * events come during them. GetBusy tells that a wait runs; GetInput, InputUntilLookUp and DestroyCommObject
+ * refuse to work then.
  *
  * Units. Times are milliseconds, sizes bytes. Booleans are 32-bit integers, everything but 0 is true. Text is
  * 8-bit and ends with a NUL. A size that is given with a buffer is the buffer's whole size.
@@ -67,6 +68,7 @@
 #define TARN_EVENT_CARRIER 5          /* carrier changed */
 #define TARN_EVENT_RING 6             /* the ring indicator turned on */
 #define TARN_EVENT_LOOKUP 8           /* a look-up string came in, or the look-up ended without one */
+#define TARN_EVENT_TRANSFER 100       /* a step of a transfer: see GetTransferStatus */
 #define TARN_ERROR_BREAK 1001         /* a break came in */
 #define TARN_ERROR_FRAME 1004         /* a byte without a stop bit */
 #define TARN_ERROR_OVERRUN 1006       /* the receiver lost a byte */
@@ -497,6 +499,118 @@ TARN_IMPORT int TARNAPI SetWireTapInput(HWND hWnd, int bWireTapInput);
 TARN_IMPORT int TARNAPI SetWireTapOutput(HWND hWnd, int bWireTapOutput);
 TARN_IMPORT int TARNAPI SetWireTapTransfer(HWND hWnd, int bWireTapTransfer);
 
+/* ---- File transfer ---------------------------------------------------------------------------------------
+ */
+
+/* A transfer is started by Upload or Download and runs on a thread of the object's own, file after file,
+ * while the host's thread serves messages. Until it has ended the object reads no input and raises no other
+ * events. Each step comes as the event TARN_EVENT_TRANSFER; GetTransferStatus tells which:
+ *
+ *     TARN_TRANSFER_PREPARE       a file begins: its names may be read and, here only, changed by
+ * SetDestFilename TARN_TRANSFER_STARTING      the names are settled TARN_TRANSFER_TRANSFERING
+ * GetTransferFileSize or GetTransferBytesTransferred have changed TARN_TRANSFER_END_OF_FILE   the file is
+ * whole; its names can be read for the last time TARN_TRANSFER_FILE_ABORT    the file was skipped or lost;
+ * others may follow TARN_TRANSFER_SUCCESS, TARN_TRANSFER_FAILURE   the transfer has ended
+ *
+ * The protocols, by origin: XModem, XModem CRC and 1K, YModem and YModem-G as Chuck Forsberg wrote them down
+ * in 1985, ZModem after his description of 1988, Kermit after Frank da Cruz, 1987 (no long packets, no
+ * windows).
+ *
+ * Names from the line. The other side chooses the name of a file that is received. A name without "\" goes
+ * into the folder of SetXferPath; a name with one is taken as it stands, and the sender of one with ".." in
+ * it or "/" or "\" in front is sent a cancel, but the file still begins: the host has the last word. A host
+ * that doesn't trust the far end gives each file a name of its own with SetDestFilename at
+ * TARN_TRANSFER_PREPARE, or calls AbortTransfer there. */
+
+/* Protocols, for SetProtocol. Any other number fails. */
+#define TARN_PROTOCOL_XMODEM 0 /* 128-byte blocks with a checksum */
+#define TARN_PROTOCOL_XMODEM_CRC 1
+#define TARN_PROTOCOL_XMODEM_1K 2
+#define TARN_PROTOCOL_YMODEM 3
+#define TARN_PROTOCOL_YMODEM_G 4 /* sends without waiting; receives as YModem */
+#define TARN_PROTOCOL_ZMODEM 5
+#define TARN_PROTOCOL_KERMIT                                                                                 \
+    6 /* keeps the port's data bits and parity; the others set 8 and none meanwhile */
+
+/* What GetTransferStatus gives. */
+#define TARN_TRANSFER_FAILURE (-1)
+#define TARN_TRANSFER_SUCCESS 0 /* also before the first transfer */
+#define TARN_TRANSFER_WAIT_FOR_FILE 1
+#define TARN_TRANSFER_PREPARE 2
+#define TARN_TRANSFER_STARTING 3
+#define TARN_TRANSFER_TRANSFERING 4
+#define TARN_TRANSFER_FILE_ABORT 5
+#define TARN_TRANSFER_END_OF_FILE 7
+
+/* Status dialog, for SetTransferDialogType. */
+#define TARN_DIALOG_NONE 0
+#define TARN_DIALOG_FREE 1  /* the dialog's owner stays usable */
+#define TARN_DIALOG_LOCKS 2 /* the owner is disabled until the transfer has ended */
+
+/* Set before a transfer. The owner of the dialog is the object's parent unless another is given. Resume: 1
+ * lets a ZModem receive go on where a part of the file is there already, 0 replaces the file. */
+TARN_IMPORT void TARNAPI SetProtocol(HWND hWnd, int nProtocol);
+TARN_IMPORT int TARNAPI GetProtocol(HWND hWnd);
+TARN_IMPORT void TARNAPI SetTransferDialogType(HWND hWnd, int nType);
+TARN_IMPORT int TARNAPI GetTransferDialogType(HWND hWnd);
+TARN_IMPORT void TARNAPI SetDialogParent(HWND hWnd, HWND hParent);
+TARN_IMPORT HWND TARNAPI GetDialogParent(HWND hWnd);
+TARN_IMPORT void TARNAPI SetResumeMethod(HWND hWnd, int nResumeMethod);
+TARN_IMPORT int TARNAPI GetResumeMethod(HWND hWnd);
+
+/* The folder for names without "\", for both directions; at most 255 characters. */
+TARN_IMPORT void TARNAPI SetXferPath(HWND hWnd, const char* szPath);
+
+/* Queues a file and starts sending, or lets the upload that runs take it too. Returns 1, or 0 when the file
+ * can't be read, a download runs, or there is no thread or memory to be had. */
+TARN_IMPORT int TARNAPI Upload(HWND hWnd, const char* szName);
+
+/* Starts receiving, or adds a name to the download that runs. szName is the name that the next file gets;
+ * NULL or "" takes the sender's, and UNTITLED.000 and so on where a protocol has none. Returns 1, or 0 as
+ * Upload. */
+TARN_IMPORT int TARNAPI Download(HWND hWnd, const char* szName);
+
+/* Both end the whole transfer, files that wait in the queue included. The end comes as an event. */
+TARN_IMPORT void TARNAPI AbortTransfer(HWND hWnd);
+TARN_IMPORT void TARNAPI AbortCurrentFile(HWND hWnd);
+
+/* Serves messages until the transfer has ended. Without a limit of its own: the protocols have theirs. */
+TARN_IMPORT void TARNAPI WaitUntilTransferIsFinished(HWND hWnd);
+
+/* 0 none, 1 upload, 2 download. */
+TARN_IMPORT int TARNAPI GetTransferType(HWND hWnd);
+TARN_IMPORT int TARNAPI GetTransferStatus(HWND hWnd);
+
+/* Of the current file, in bytes. The size is not known to XModem receives, which leave the one before. */
+TARN_IMPORT LONG TARNAPI GetTransferFileSize(HWND hWnd);
+TARN_IMPORT LONG TARNAPI GetTransferBytesTransferred(HWND hWnd);
+
+/* The current file's names: where it comes from and where it goes to. The text is cut to the buffer and ends
+ * with a NUL; the result is its length. The lengths are those of the whole names. */
+TARN_IMPORT int TARNAPI GetSourceFilename(HWND hWnd, char* szName, int cbName);
+TARN_IMPORT int TARNAPI GetSourceFilenameLength(HWND hWnd);
+TARN_IMPORT int TARNAPI GetDestFilename(HWND hWnd, char* szName, int cbName);
+TARN_IMPORT int TARNAPI GetDestFilenameLength(HWND hWnd);
+
+/* At TARN_TRANSFER_PREPARE: another name for the file, to be received as or to be told to the receiver. */
+TARN_IMPORT void TARNAPI SetDestFilename(HWND hWnd, const char* szName);
+
+/* Give 0. */
+TARN_IMPORT int TARNAPI GetTransferFilename(HWND hWnd, char* szName, int cbName);
+TARN_IMPORT int TARNAPI GetTransferFilenameLength(HWND hWnd);
+
+/* The thread of a transfer without its queue and type, as Upload and Download start it. The handle is the
+ * caller's to close; NULL for a dead object. */
+TARN_IMPORT HANDLE TARNAPI StartTransfer(HWND hWnd);
+
+/* For code that runs inside a transfer: whether its time is up (a value of CreateTimer) or it has to end. */
+struct TRANSFER;
+TARN_IMPORT int TARNAPI TimerExpired(struct TRANSFER* lpTransfer, DWORD dwDeadline);
+
+/* Dialog procedure of the transfer's status dialog, for a program that shows a form of its own with the same
+ * items; the dialog's user word is the transfer. */
+TARN_IMPORT INT_PTR TARNAPI DlgProc(HWND hDialog, UINT message, WPARAM wParam, LPARAM lParam);
+
 /* ---- Settings of the object that other functions read -------------------------------------------------- */
 
 /* Limit of GetLineInput, in ms. */
@@ -524,16 +638,6 @@ TARN_IMPORT void TARNAPI SetDialMode(HWND hWnd, int nDialMode);
 TARN_IMPORT int TARNAPI GetDialMode(HWND hWnd);
 TARN_IMPORT void TARNAPI SetDialTimeOut(HWND hWnd, LONG lTimeOut);
 TARN_IMPORT LONG TARNAPI GetDialTimeOut(HWND hWnd);
-
-/* Transfers: protocol number; status dialog 0 none, 1, 2; owner of the dialogs; resume 0 never, 1 always. */
-TARN_IMPORT void TARNAPI SetProtocol(HWND hWnd, int nProtocol);
-TARN_IMPORT int TARNAPI GetProtocol(HWND hWnd);
-TARN_IMPORT void TARNAPI SetTransferDialogType(HWND hWnd, int nType);
-TARN_IMPORT int TARNAPI GetTransferDialogType(HWND hWnd);
-TARN_IMPORT void TARNAPI SetDialogParent(HWND hWnd, HWND hParent);
-TARN_IMPORT HWND TARNAPI GetDialogParent(HWND hWnd);
-TARN_IMPORT void TARNAPI SetResumeMethod(HWND hWnd, int nResumeMethod);
-TARN_IMPORT int TARNAPI GetResumeMethod(HWND hWnd);
 
 /* Words that the object keeps for its host and never reads. */
 TARN_IMPORT void TARNAPI SetCommLong(HWND hWnd, LONG lValue);

@@ -7,3 +7,8 @@
 
 COMCTL::COMCTL() = default;
 COMCTL::~COMCTL() = default;
+
+std::mutex& TransferLock() {
+    static std::mutex lock;
+    return lock;
+}

@@ -1,14 +1,16 @@
 // COMCTL: the record of one comm object.
 //
 // The object's window owns it, from its create handler to its destroy handler; it hangs in the window's one
-// extra word. Only the window's thread touches it. Other threads reach the object by sending its window a
-// message, so the record has no lock. After a call that can run the host (an event, a wait) the record may
-// be gone: ask live.h before touching it again.
+// extra word. Only the window's thread touches it, but for the group of TransferShare, which has its own
+// rule. Other threads reach the object by sending its window a message, so the record has no lock. After a
+// call that can run the host (an event, a wait) the record may be gone: ask live.h before touching it again.
 //
 // The initialisers below are the object's defaults.
 #pragma once
 
+#include "handle.h"
 #include "slidingplane.h"
+#include "transfershare.h"
 
 #include <windows.h>
 
@@ -25,8 +27,7 @@ struct ReadCall;
 using EventHandler = void(CALLBACK*)(HWND object, int id, int code);
 using IdleHandler = void(CALLBACK*)(void);
 
-inline constexpr int FilenameSize = 513; // transfer names and status, with their NUL
-inline constexpr int NameSize = 256;     // object name, port name, transfer folder, with their NUL
+inline constexpr int NameSize = 256; // object name, port name, with their NUL
 inline constexpr int ModemOptionsSize = 200;
 inline constexpr int EscapeSize = 23;
 inline constexpr int CharMapSize = 256;
@@ -34,7 +35,7 @@ inline constexpr int DefaultBufferSize = 2048;
 inline constexpr int DefaultLookUpTimeOut = 10000; // ms
 inline constexpr int DefaultDialTimeOut = 30000;   // ms
 
-struct COMCTL {
+struct COMCTL : TransferShare {
     COMCTL();
     ~COMCTL();
     COMCTL(const COMCTL&) = delete;
@@ -114,16 +115,6 @@ struct COMCTL {
     char szEscape[EscapeSize] = {};
     int nEscape = 0;
 
-    // Transfer
-    LONG lTransferFileSize = 0; // bytes
-    LONG lBytesTransferred = 0; // bytes
-    int cFiles = 0;
-    int cbFileList = 0;
-    char* lpFileList = nullptr; // NUL-terminated names one after the other
-    int nTransferType = 0;      // 0 none, 1 upload, 2 download
-    int nProtocol = 0;
-    int nTransferDialogType = 0;
-
     // Terminal selection, in cells
     int nSelStartRow = 0;
     int nSelStartColumn = 0;
@@ -132,16 +123,13 @@ struct COMCTL {
     int nSelAnchorRow = 0;
     int nSelAnchorColumn = 0;
 
-    // Transfer progress, host's hooks, dialing, what the window shows
-    int nTransferStatus = 0;
-    int bAbortTransfer = 0;
+    // Host's hooks, dialing, what the window shows
     int nBackspace = 1;     // 0 destructive, 1 not
     LONG lNotification = 0; // stored only
     int bInputEcho = 0;
     int bCommEcho = 0;
     EventHandler lpfnEventHandler = nullptr;
     IdleHandler lpfnIdleLoop = nullptr;
-    HWND hDialogParent = nullptr;
     LONG lDialTimeOut = DefaultDialTimeOut; // ms
     int bShutDown = 0;                      // every wait loop ends
     int nDialMode = 0;                      // 0 tone, 1 pulse
@@ -172,18 +160,12 @@ struct COMCTL {
     LONG lCommLong = 0;         // the host's own
     int bDialing = 0;
     int bDialCancel = 0;
-    HANDLE hTransferThread = INVALID_HANDLE_VALUE;
-    HANDLE hTransferStop = nullptr;
+    UniqueHandle<AllOnesInvalid> hTransferThread; // of the last transfer, running or not
+    EventHandle hTransferStop;                    // ends it
     int bWireTapInput = 0;
-    int bWireTapOutput = 0;
-    int bWireTapTransfer = 0;
-    char szSourceFilename[FilenameSize] = {};
-    char szDestFilename[FilenameSize] = {};
-    char szTransferStatus[FilenameSize] = {};
     BYTE abCharMap[CharMapSize] = {}; // the identity from creation on
     char achModemOptions[ModemOptionsSize] = {};
     char szName[NameSize] = {};
-    char szXferPath[NameSize] = {};
     char szPort[NameSize] = {};
 
     // Look-up
@@ -204,7 +186,6 @@ struct COMCTL {
     int bSoftParity = 0;
     std::unique_ptr<COverlappedWrite> lpOverlappedWrite;
     std::unique_ptr<CMonitorThread> lpMonitorThread;
-    int nResumeMethod = 0;                // 0 never, 1 always
     OVERLAPPED osWrite = {};              // of the last ComOutput
     std::vector<char> DirectWriteBytes;   // what it writes
     std::unique_ptr<ReadCall> lpReadCall; // kept from read to read; null while one is under way

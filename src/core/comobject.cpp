@@ -1,7 +1,6 @@
 #include "comobject.h"
 
 #include "diagnostics/swallow.h"
-#include "idle.h"
 #include "live.h"
 #include "port.h"
 #include "portdirect.h"
@@ -9,8 +8,8 @@
 #include "TarnComm.h"
 #include "Tc-lkup.h"
 #include "terminal/window.h"
-#include "thread.h"
 #include "tick.h"
+#include "transfer/worker.h"
 #include "writer.h"
 
 #include <atomic>
@@ -22,8 +21,7 @@
 namespace {
 
 constexpr char className[] = "TarnCommObject";
-constexpr DWORD workerStopLimit = 2000; // ms
-constexpr size_t longestTitle = 254;    // characters that a title may have to become the object's name
+constexpr size_t longestTitle = 254; // characters that a title may have to become the object's name
 
 // Objects made by this module; never counts down, so names are not used twice.
 std::atomic<int> objectsMade{0};
@@ -49,18 +47,9 @@ LRESULT OnCreate(HWND hWnd, const CREATESTRUCTA& parameters) {
     return 0;
 }
 
-void StopTransferWorker(const COMCTL& record) {
-    if (record.hTransferThread == INVALID_HANDLE_VALUE)
-        return;
-    SetEvent(record.hTransferStop);
-    if (WaitServingSentMessages(record.hTransferThread, workerStopLimit) != WAIT_OBJECT_0)
-        TerminateThread(record.hTransferThread, 0);
-}
-
-void CloseTransferThread(const COMCTL& record) {
+void CloseTransferThread(COMCTL& record) {
     try {
-        if (record.hTransferThread != INVALID_HANDLE_VALUE)
-            ThreadHandle(record.hTransferThread).reset();
+        record.hTransferThread.reset();
     } catch (...) {
         SwallowException("CloseTransferThread");
     }
@@ -72,7 +61,7 @@ void OnDestroy(HWND hWnd) {
         return;
     RemoveLiveObject(hWnd); // from here on the handle is dead to everybody, this thread's own messages too
     SetWindowLongPtrA(hWnd, 0, 0);
-    StopTransferWorker(*record);
+    EndTransferThread(*record);
     CloseTerminal(*record);
     if (record->idTimer)
         KillTimer(hWnd, record->idTimer);
@@ -128,6 +117,12 @@ LRESULT Answer(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
         return 1;
     case WM_GETDLGCODE:
         return DLGC_WANTARROWS | DLGC_WANTTAB | DLGC_WANTALLKEYS;
+    case TransferMessage:
+        return AnswerWindowRequest(hWnd, static_cast<int>(wParam), lParam);
+    case TransferEventMessage:
+        return AnswerTransferEvent(hWnd);
+    case TransferEndMessage:
+        return AnswerTransferEnd(hWnd, static_cast<int>(wParam));
     case FireEventMessage:
         return OnFireEvent(hWnd, static_cast<int>(wParam));
     default:

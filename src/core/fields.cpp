@@ -11,10 +11,20 @@
 
 namespace {
 
+template <class Value>
+Value ValueOf(const Value& field) {
+    return field;
+}
+
+template <class Value>
+Value ValueOf(const std::atomic<Value>& field) {
+    return field;
+}
+
 template <auto Field>
 auto Read(HWND hWnd) {
     const COMCTL* record = RecordOf(hWnd);
-    return record ? record->*Field : std::remove_cvref_t<decltype(record->*Field)>{};
+    return record ? ValueOf(record->*Field) : decltype(ValueOf(record->*Field)){};
 }
 
 template <auto Field, class Value>

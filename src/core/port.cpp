@@ -4,6 +4,7 @@
 #include "portmonitor.h"
 #include "portstate.h"
 #include "portstatus.h"
+#include "returnedinput.h"
 #include "ticksource.h"
 #include "writer.h"
 
@@ -80,8 +81,12 @@ void CloseDevice(COMCTL& record) {
     record.lpOverlappedWrite->Stop();
     record.lpMonitorThread.reset();
     FinishDirectWrite(record);
-    CloseHandle(record.hComm);
-    record.hComm = INVALID_HANDLE_VALUE;
+    {
+        std::scoped_lock guard(record.DeviceLock);
+        CloseHandle(record.hComm);
+        record.hComm = INVALID_HANDLE_VALUE;
+    }
+    DropReturnedInput(record);
 }
 
 void AttachDevice(COMCTL& record, HANDLE device) {
@@ -95,7 +100,10 @@ void AttachDevice(COMCTL& record, HANDLE device) {
         record.lpOverlappedWrite->Stop();
         record.lpMonitorThread.reset();
     }
-    record.hComm = device;
+    {
+        std::scoped_lock guard(record.DeviceLock);
+        record.hComm = device;
+    }
     record.bPortOpen = IsDevice(device);
     if (record.bPortOpen)
         record.lpOverlappedWrite->Start(device);

@@ -4,6 +4,7 @@
 #include "port.h"
 #include "portstate.h"
 #include "portstatus.h"
+#include "returnedinput.h"
 #include "settings.h"
 #include "TarnComm.h"
 #include "ticksource.h"
@@ -130,6 +131,8 @@ int TARNAPI GetOutBufferCount(HWND hWnd) {
 
 void TARNAPI ClearInputBuffer(HWND hWnd) {
     PurgeOpenPort(hWnd, PURGE_RXCLEAR);
+    if (COMCTL* record = RecordOf(hWnd))
+        DropReturnedInput(*record);
 }
 
 // The device's queue only: what waits in the writer's ring still goes out.

@@ -2,6 +2,7 @@
 
 #include "idle.h"
 #include "live.h"
+#include "returnedinput.h"
 
 #include <algorithm>
 #include <cstring>
@@ -34,6 +35,8 @@ ReadEnd WaitForRead(COMCTL& record, const ReadCall& call) {
 } // namespace
 
 int ReadDevice(COMCTL& record, void* lpBuffer, int cbWanted) {
+    if (record.cbReturnedInput)
+        return TakeReturnedInput(record, lpBuffer, cbWanted);
     const ObjectWatch watch(record);
     const HANDLE device = record.hComm;
     auto call = std::move(record.lpReadCall);

@@ -10,6 +10,6 @@ struct ReadCall : OverlappedCall {
     std::vector<char> bytes;
 };
 
-// Reads cbWanted bytes, which the driver has counted. Returns how many came. The object may be gone
+// Reads cbWanted bytes, which the line status has counted. Returns how many came. The object may be gone
 // afterwards.
 int ReadDevice(COMCTL& record, void* lpBuffer, int cbWanted);

@@ -32,6 +32,8 @@ void ReportErrors(const COMCTL& record, DWORD errors) {
     }
 }
 
+} // namespace
+
 // Bytes in the writer's hand are the driver's as soon as it counts them, so that they are counted once.
 int OutputCount(const COMCTL& record, DWORD queued) {
     if (!record.lpOverlappedWrite)
@@ -40,14 +42,13 @@ int OutputCount(const COMCTL& record, DWORD queued) {
     return held + std::max(static_cast<int>(queued), record.lpOverlappedWrite->InHand());
 }
 
-} // namespace
-
 LineCounts ReadLineStatus(COMCTL& record) {
     DWORD errors = 0;
     COMSTAT status = {};
     if (!ClearCommError(record.hComm, &errors, &status))
         return {};
-    const LineCounts counts{static_cast<int>(status.cbInQue), OutputCount(record, status.cbOutQue)};
+    const LineCounts counts{static_cast<int>(status.cbInQue) + record.cbReturnedInput,
+                            OutputCount(record, status.cbOutQue)};
     if (errors)
         ReportErrors(record, errors);
     return counts;

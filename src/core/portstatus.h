@@ -12,6 +12,9 @@ struct LineCounts {
 // The object may be gone afterwards.
 LineCounts ReadLineStatus(COMCTL& record);
 
+// The driver's output count and what the writer still has. Any thread.
+int OutputCount(const COMCTL& record, DWORD queued);
+
 // Clears bReceiveFlag and bSendFlag by fresh counts. The object may be gone afterwards.
 void TakeFreshCount(COMCTL& record);
 void UpdateFlags(COMCTL& record, const LineCounts& counts);

@@ -60,12 +60,11 @@ void Report(ReportKind kind, const char* szText) {
     LogText(text);
 }
 
-bool Ensure(bool condition, const char* szText, std::source_location where) {
+bool Ensure(bool condition, const char* szText, const char* szFile, unsigned nLine) {
     if (condition)
         return true;
     char text[reportSize];
-    std::snprintf(text, sizeof text, "%s, file %s, line %u", szText, BaseName(where.file_name()),
-                  static_cast<unsigned>(where.line()));
+    std::snprintf(text, sizeof text, "%s, file %s, line %u", szText, BaseName(szFile), nLine);
     Report(ReportKind::Assertion, text);
     return false;
 }

@@ -2,8 +2,6 @@
 // Windows folder and to the log. Reporting never stops the program. Any thread may report.
 #pragma once
 
-#include <source_location>
-
 enum class ReportKind { Warning, Assertion };
 
 // Makes the file anew and keeps it open, for others to read. Module attach and detach only.
@@ -14,4 +12,5 @@ void Report(ReportKind kind, const char* szText);
 
 // Reports a condition that doesn't hold, with the place that asked. Returns the condition: what to do without
 // it is the caller's business.
-bool Ensure(bool condition, const char* szText, std::source_location where = std::source_location::current());
+bool Ensure(bool condition, const char* szText, const char* szFile = __builtin_FILE(),
+            unsigned nLine = __builtin_LINE());

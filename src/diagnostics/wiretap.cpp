@@ -95,11 +95,12 @@ Outcome LogMessageOrDropIt(HWND hWnd, const Message& message) noexcept {
     }
 }
 
-int StoreSwitch(HWND hWnd, int COMCTL::*field, int value) {
+template <auto Field>
+int StoreSwitch(HWND hWnd, int value) {
     COMCTL* record = RecordOf(hWnd);
     if (!record)
         return 0;
-    record->*field = value;
+    record->*Field = value;
     return 1;
 }
 
@@ -160,21 +161,25 @@ void TARNAPI WireTapTransferData(HWND hWnd, const char* szText, const void* lpDa
 }
 
 int TARNAPI SetWireTapInput(HWND hWnd, int bWireTap) {
-    return StoreSwitch(hWnd, &COMCTL::bWireTapInput, bWireTap);
+    return StoreSwitch<&COMCTL::bWireTapInput>(hWnd, bWireTap);
 }
 
 int TARNAPI SetWireTapOutput(HWND hWnd, int bWireTap) {
-    return StoreSwitch(hWnd, &COMCTL::bWireTapOutput, bWireTap);
+    return StoreSwitch<&COMCTL::bWireTapOutput>(hWnd, bWireTap);
 }
 
 int TARNAPI SetWireTapTransfer(HWND hWnd, int bWireTap) {
-    return StoreSwitch(hWnd, &COMCTL::bWireTapTransfer, bWireTap);
+    return StoreSwitch<&COMCTL::bWireTapTransfer>(hWnd, bWireTap);
 }
 
 void LogData(const COMCTL& record, const char* szVerb, const void* lpBytes, DWORD cbBytes) {
+    LogData(record.hWnd, record.szName, szVerb, lpBytes, cbBytes);
+}
+
+void LogData(HWND hWnd, const char* szName, const char* szVerb, const void* lpBytes, DWORD cbBytes) {
     char text[NameSize + 64];
-    std::snprintf(text, sizeof text, "%s %s %lu bytes: ", record.szName, szVerb, cbBytes);
-    WireTapMsg(record.hWnd, WireTapData, text, lpBytes, cbBytes);
+    std::snprintf(text, sizeof text, "%s %s %lu bytes: ", szName, szVerb, cbBytes);
+    WireTapMsg(hWnd, WireTapData, text, lpBytes, cbBytes);
 }
 
 void LogText(const char* szText) {

@@ -26,6 +26,9 @@ inline constexpr int WireTapTextSize =
 // "Comm1 reads 5 bytes: " and the bytes. The caller has tested the object's switch and that there are bytes.
 void LogData(const COMCTL& record, const char* szVerb, const void* lpBytes, DWORD cbBytes);
 
+// The same for threads that must not read the record: hWnd and szName are the object's.
+void LogData(HWND hWnd, const char* szName, const char* szVerb, const void* lpBytes, DWORD cbBytes);
+
 // A text of no object in particular. It is logged whatever the switches say.
 void LogText(const char* szText);
 

@@ -99,6 +99,10 @@ DWORD WINAPI GetTickCount() {
     return tick;
 }
 
+void WINAPI Sleep(DWORD milliseconds) {
+    tick += milliseconds;
+}
+
 DWORD WINAPI GetLastError() {
     return lastError;
 }

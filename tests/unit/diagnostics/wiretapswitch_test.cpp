@@ -9,13 +9,18 @@ const HWND deadHandle = reinterpret_cast<HWND>(ULONG_PTR{0xDEAD});
 struct SwitchCase {
     const char* name;
     int(TARNAPI* set)(HWND, int);
-    int COMCTL::*field;
+    int (*read)(const COMCTL&);
 };
 
+template <auto Field>
+int Read(const COMCTL& record) {
+    return record.*Field;
+}
+
 const SwitchCase switchCases[] = {
-    {"Input", SetWireTapInput, &COMCTL::bWireTapInput},
-    {"Output", SetWireTapOutput, &COMCTL::bWireTapOutput},
-    {"Transfer", SetWireTapTransfer, &COMCTL::bWireTapTransfer},
+    {"Input", SetWireTapInput, Read<&COMCTL::bWireTapInput>},
+    {"Output", SetWireTapOutput, Read<&COMCTL::bWireTapOutput>},
+    {"Transfer", SetWireTapTransfer, Read<&COMCTL::bWireTapTransfer>},
 };
 
 } // namespace
@@ -28,7 +33,7 @@ TEST_P(WireTapSwitch, StoresWhatItIsGiven) {
     LiveRecord record;
     for (const int value : {1, 0, -1, 7}) {
         EXPECT_EQ(GetParam().set(record.Handle(), value), 1);
-        EXPECT_EQ((*record).*GetParam().field, value);
+        EXPECT_EQ(GetParam().read(*record), value);
     }
 }
 

@@ -1,0 +1,42 @@
+// Sends the blocks of XModem and YModem.
+#pragma once
+
+#include "blocks.h"
+#include "filestream.h"
+#include "modemline.h"
+
+#include <array>
+
+class BlockSender {
+  public:
+    BlockSender(ModemLine& line, FileStream& fin) : line_(line), fin_(fin) {}
+
+    // The file that is open, flen bytes of it. 0, or -1.
+    int wctx(LONG flen);
+
+    // One block. 0, or -1.
+    int SendBlock(const void* lpBytes, int number, int cbBytes);
+
+    bool Crcflg = false;
+    bool firstsec = true; // nothing was acknowledged yet
+    bool Force128 = false;
+    bool Optiong = false; // no wait for acknowledgements
+    int blklen = block::LongBlock;
+    int Rxtimeout = 600; // tenths of a second
+
+  private:
+    enum class Answer { Acknowledged, Again, Cancelled };
+
+    bool AwaitStart(); // false: the receiver cancelled
+    int SendFileBlocks(LONG flen);
+    int SendEot();
+    int ReadBlock(int cbBlock); // the file's next bytes into Txbuf, padded; 0 at the end
+    void PutBlock(const unsigned char* lpBytes, int number, int cbBytes);
+    Answer ReadAnswer(int& lastReply);
+    Answer AwaitRequest(int& lastReply);
+    Answer AskedAgain(int c);
+
+    ModemLine& line_;
+    FileStream& fin_;
+    std::array<unsigned char, block::LongBlock> Txbuf = {};
+};

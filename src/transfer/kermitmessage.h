@@ -1,0 +1,12 @@
+// What a Kermit transfer says: on the status line, to a debugger, and to the other side.
+#pragma once
+
+#include "kermitstate.h"
+
+void DebugText(const char* szText);
+
+void ShowMessage(KermitState& kermit, const std::string& text);
+void ShowErrorPacket(KermitState& kermit, const char* szText);
+
+// On the status line, or to the other side with bSendErrors.
+void Error(KermitState& kermit, const std::string& text);

@@ -1,0 +1,208 @@
+// Queue, names and progress of a transfer.
+#include "memorydisk.h"
+#include "platform.h"
+#include "transferdouble.h"
+
+#include "transfer/queue.h"
+#include "transfer/services.h"
+#include "transfer/xferpath.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Journal = std::vector<std::string>;
+
+struct PathCase {
+    const char* folder;
+    const char* name;
+    const char* expected;
+};
+
+const PathCase pathCases[] = {
+    {"", "", ""},
+    {"in", "", ""},
+    {"", "a.txt", "a.txt"},
+    {"in", "a.txt", "in\\a.txt"},
+    {"in\\", "a.txt", "in\\a.txt"},
+    {"C:\\in", "a.txt", "C:\\in\\a.txt"},
+    {"in", "b\\a.txt", "b\\a.txt"},
+    {"in", "\\a.txt", "\\a.txt"},
+    {"in", "C:a.txt", "in\\C:a.txt"},
+    {"in", "b/a.txt", "in\\b/a.txt"},
+};
+
+const PathCase stripCases[] = {
+    {"", "a.txt", "a.txt"},
+    {"", "in\\a.txt", "a.txt"},
+    {"", "C:\\in\\a.txt", "a.txt"},
+    {"", "C:a.txt", "a.txt"},
+    {"", "in/a.txt", "in/a.txt"},
+    {"", "C:\\a:b", "a:b"},
+    {"", "in\\", ""},
+    {"", "", ""},
+};
+
+void SetFolder(TransferDouble& transfer, const char* szFolder) {
+    COMCTL& record = transfer.object.Record();
+    std::snprintf(record.szXferPath, sizeof record.szXferPath, "%s", szFolder);
+}
+
+} // namespace
+
+TEST(XferPath, JoinsTheFolderToBareNames) {
+    TransferDouble transfer(XferDownload);
+    for (const PathCase& test : pathCases) {
+        SetFolder(transfer, test.folder);
+        EXPECT_EQ(MakeXferPath(transfer.object.Record(), test.name), test.expected) << test.name;
+    }
+}
+
+TEST(XferPath, StripsUpToTheLastBackslashOrColon) {
+    for (const PathCase& test : stripCases) {
+        std::string name = test.name;
+        xfStripPath(name);
+        EXPECT_EQ(name, test.expected) << test.name;
+    }
+}
+
+TEST(XferPath, DestFilenameGoesToTheFolderInADownloadOnly) {
+    for (const XferDirection direction : {XferNone, XferUpload, XferDownload}) {
+        TransferDouble transfer(direction);
+        SetFolder(transfer, "in");
+        StoreDestFilename(transfer.object.Record(), "x");
+        EXPECT_STREQ(transfer.object.Record().szDestFilename, direction == XferUpload ? "x" : "in\\x");
+        StoreDestFilename(transfer.object.Record(), "");
+        EXPECT_STREQ(transfer.object.Record().szDestFilename, "");
+        StoreDestFilename(transfer.object.Record(), "y");
+        StoreDestFilename(transfer.object.Record(), nullptr);
+        EXPECT_STREQ(transfer.object.Record().szDestFilename, "");
+    }
+}
+
+TEST(XferQueue, GivesNamesInTheirOrder) {
+    TransferDouble transfer(XferUpload);
+    COMCTL& record = transfer.object.Record();
+    EXPECT_EQ(FirstQueuedFile(record), "");
+    for (const char* name : {"one", "two", "three"})
+        EXPECT_TRUE(QueueFile(record, name));
+    EXPECT_EQ(record.cFiles, 3);
+    EXPECT_EQ(record.lpFileList.size(), sizeof "one" + sizeof "two" + sizeof "three");
+    for (const char* name : {"one", "two", "three"}) {
+        EXPECT_EQ(FirstQueuedFile(record), name);
+        DropFirstQueuedFile(record);
+    }
+    EXPECT_EQ(record.cFiles, 0);
+    EXPECT_TRUE(record.lpFileList.empty());
+    DropFirstQueuedFile(record);
+    EXPECT_EQ(record.cFiles, 0);
+}
+
+TEST(XferQueue, JoinsTheFolderWhenANameIsQueued) {
+    TransferDouble transfer(XferUpload);
+    SetFolder(transfer, "out");
+    transfer.Queue("a");
+    SetFolder(transfer, "elsewhere");
+    EXPECT_EQ(FirstQueuedFile(transfer.object.Record()), "out\\a");
+}
+
+TEST(XferQueue, NamelessEntriesCount) {
+    TransferDouble transfer(XferDownload);
+    QueueFile(transfer.object.Record(), nullptr);
+    QueueFile(transfer.object.Record(), "");
+    QueueFile(transfer.object.Record(), "b");
+    EXPECT_EQ(transfer.object.Record().cFiles, 3);
+    DropFirstQueuedFile(transfer.object.Record());
+    DropFirstQueuedFile(transfer.object.Record());
+    EXPECT_EQ(FirstQueuedFile(transfer.object.Record()), "b");
+    DropQueuedFiles(transfer.object.Record());
+    EXPECT_EQ(transfer.object.Record().cFiles, 0);
+}
+
+TEST(XferProgress, OneFileAsTheHostSeesIt) {
+    const MemoryDisk disk;
+    TransferDouble transfer(XferUpload);
+    transfer.Queue("C:\\out\\a.txt");
+    std::string source;
+    std::string dest;
+    xfPrepareSend(transfer.transfer, source, dest);
+    EXPECT_EQ(source, "C:\\out\\a.txt");
+    EXPECT_EQ(dest, "a.txt") << "the far end is told no folder";
+    xfStartFile(transfer.transfer);
+    xfSetFileSize(transfer.transfer, 2000);
+    EXPECT_EQ(transfer.object.Record().lTransferFileSize, 2000);
+    xfUpdate(transfer.transfer, 1024, 1024);
+    EXPECT_EQ(transfer.object.Record().lBytesTransferred, 1024);
+    xfUpdate(transfer.transfer, 2000, 976);
+    xfFileDone(transfer.transfer);
+    EXPECT_EQ(transfer.journal, Journal({"prepare C:\\out\\a.txt C:\\out\\a.txt", "start",
+                                         "title Sending C:\\out\\a.txt (ZModem)", "block 0", "block 1024",
+                                         "block 2000", "finish"}));
+    EXPECT_EQ(transfer.object.Record().nTransferStatus, TransferStatus_WaitForFile);
+}
+
+TEST(XferProgress, AnUnknownSizeIsNotTold) {
+    TransferDouble transfer(XferDownload);
+    transfer.object.Record().lTransferFileSize = 7;
+    xfSetFileSize(transfer.transfer, UnknownFileSize);
+    EXPECT_EQ(transfer.object.Record().lTransferFileSize, 7);
+    EXPECT_EQ(transfer.transfer.lFileSize, UnknownFileSize);
+    EXPECT_EQ(transfer.journal, Journal());
+}
+
+TEST(XferProgress, ANewFileStartsFromZero) {
+    TransferDouble transfer(XferDownload);
+    transfer.transfer.lBytesDone = 1;
+    transfer.transfer.lFileOffset = 2;
+    transfer.transfer.lFileSize = 3;
+    platform::AdvanceTick(1234);
+    xfStartFile(transfer.transfer);
+    EXPECT_EQ(transfer.transfer.lBytesDone, 0);
+    EXPECT_EQ(transfer.transfer.lFileOffset, 0);
+    EXPECT_EQ(transfer.transfer.lFileSize, 0);
+    EXPECT_EQ(transfer.transfer.dwStartTicks, GetTickCount());
+}
+
+TEST(XferProgress, SkippedFileIsAnAbortOfTheFile) {
+    TransferDouble transfer(XferUpload);
+    xfFileSkipped(transfer.transfer);
+    EXPECT_EQ(transfer.journal, Journal({"abort"}));
+}
+
+TEST(XferProgress, StatusLineReachesTheRecord) {
+    TransferDouble transfer(XferUpload);
+    xfSetMessage(transfer.transfer, "100% of %s%n");
+    EXPECT_STREQ(transfer.object.Record().szTransferStatus, "100% of %s%n");
+    EXPECT_EQ(transfer.lastStatus, "100% of %s%n");
+}
+
+TEST(XferUnique, TakesTheFirstFreeName) {
+    MemoryDisk disk;
+    TransferDouble transfer(XferDownload);
+    EXPECT_EQ(xfUniqueFilename(transfer.transfer), "UNTITLED.000");
+    disk.files["UNTITLED.000"];
+    disk.files["UNTITLED.001"];
+    EXPECT_EQ(xfUniqueFilename(transfer.transfer), "UNTITLED.002");
+    SetFolder(transfer, "in");
+    EXPECT_EQ(xfUniqueFilename(transfer.transfer), "in\\UNTITLED.000");
+}
+
+TEST(XferUnique, OverwritesTheLastOfAThousand) {
+    MemoryDisk disk;
+    TransferDouble transfer(XferDownload);
+    for (int i = 0; i < 1000; ++i) {
+        char name[16];
+        std::snprintf(name, sizeof name, "UNTITLED.%03d", i % 1000);
+        disk.files[name];
+    }
+    EXPECT_EQ(xfUniqueFilename(transfer.transfer), "UNTITLED.999");
+}
+
+TEST(XferUnique, NamelessReceiveGetsOne) {
+    const MemoryDisk disk;
+    TransferDouble transfer(XferDownload);
+    std::string name;
+    xfPrepareReceive(transfer.transfer, name, name);
+    EXPECT_EQ(name, "UNTITLED.000");
+    EXPECT_EQ(transfer.journal.front(), "prepare UNTITLED.000 UNTITLED.000");
+}
