@@ -276,7 +276,8 @@ TARN_IMPORT int TARNAPI Output(HWND hWnd, const void* lpBytes, int cbBytes);
  * written at once, 0 for a write that is still under way or failed; the reason of a failure is in the log. */
 TARN_IMPORT DWORD TARNAPI ComOutput(HWND hWnd, const void* lpBytes, DWORD cbBytes);
 
-/* Reads what is there, without waiting. Returns the count of bytes; 0 also while a wait runs (GetBusy). */
+/* Reads what is there, without waiting. Returns the count of bytes; 0 also while a wait runs (GetBusy) and
+ * during a transfer. */
 TARN_IMPORT int TARNAPI GetInput(HWND hWnd, void* lpBuffer, int cbBuffer);
 
 /* Reads a line: up to a CR, which is dropped like every LF. Ends without a CR when cbBuffer characters are in
@@ -506,21 +507,29 @@ TARN_IMPORT int TARNAPI SetWireTapTransfer(HWND hWnd, int bWireTapTransfer);
  * while the host's thread serves messages. Until it has ended the object reads no input and raises no other
  * events. Each step comes as the event TARN_EVENT_TRANSFER; GetTransferStatus tells which:
  *
- *     TARN_TRANSFER_PREPARE       a file begins: its names may be read and, here only, changed by
- * SetDestFilename TARN_TRANSFER_STARTING      the names are settled TARN_TRANSFER_TRANSFERING
- * GetTransferFileSize or GetTransferBytesTransferred have changed TARN_TRANSFER_END_OF_FILE   the file is
- * whole; its names can be read for the last time TARN_TRANSFER_FILE_ABORT    the file was skipped or lost;
- * others may follow TARN_TRANSFER_SUCCESS, TARN_TRANSFER_FAILURE   the transfer has ended
+ * - TARN_TRANSFER_PREPARE: a file begins; its names may be read and, here only, changed by SetDestFilename.
+ *
+ * - TARN_TRANSFER_STARTING: the names are settled.
+ *
+ * - TARN_TRANSFER_TRANSFERING: GetTransferFileSize or GetTransferBytesTransferred have changed.
+ *
+ * - TARN_TRANSFER_END_OF_FILE: the file is whole; its names can be read for the last time.
+ *
+ * - TARN_TRANSFER_FILE_ABORT: the file was skipped or lost; others may follow.
+ *
+ * - TARN_TRANSFER_SUCCESS, TARN_TRANSFER_FAILURE: the transfer has ended, and the next may be started. A lost
+ *   file alone makes no failure of a ZModem download.
  *
  * The protocols, by origin: XModem, XModem CRC and 1K, YModem and YModem-G as Chuck Forsberg wrote them down
  * in 1985, ZModem after his description of 1988, Kermit after Frank da Cruz, 1987 (no long packets, no
  * windows).
  *
  * Names from the line. The other side chooses the name of a file that is received. A name without "\" goes
- * into the folder of SetXferPath; a name with one is taken as it stands, and the sender of one with ".." in
- * it or "/" or "\" in front is sent a cancel, but the file still begins: the host has the last word. A host
- * that doesn't trust the far end gives each file a name of its own with SetDestFilename at
- * TARN_TRANSFER_PREPARE, or calls AbortTransfer there. */
+ * into the folder of SetXferPath; a name with one is taken as it stands, and so is "/" in it. The sender of a
+ * name with ".." in it or "/" or "\" in front is sent a cancel, but the file still begins: the host has the
+ * last word. At TARN_TRANSFER_PREPARE, GetSourceFilename gives the offered name, joined to the folder; a host
+ * that doesn't trust the far end takes its last part, or a name of its own, and sets it by SetDestFilename,
+ * or calls AbortTransfer. samples/flat/transfer.cpp does so. */
 
 /* Protocols, for SetProtocol. Any other number fails. */
 #define TARN_PROTOCOL_XMODEM 0 /* 128-byte blocks with a checksum */
@@ -600,7 +609,7 @@ TARN_IMPORT int TARNAPI GetTransferFilename(HWND hWnd, char* szName, int cbName)
 TARN_IMPORT int TARNAPI GetTransferFilenameLength(HWND hWnd);
 
 /* The thread of a transfer without its queue and type, as Upload and Download start it. The handle is the
- * caller's to close; NULL for a dead object. */
+ * caller's to close; NULL for a dead object and while a transfer's thread runs. */
 TARN_IMPORT HANDLE TARNAPI StartTransfer(HWND hWnd);
 
 /* For code that runs inside a transfer: whether its time is up (a value of CreateTimer) or it has to end. */

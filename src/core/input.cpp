@@ -28,6 +28,8 @@ void StripParity(char* bytes, int count) {
 } // namespace
 
 int ReadInput(COMCTL& record, void* lpBuffer, int cbBuffer) {
+    if (record.nTransferType)
+        return 0; // the transfer's worker alone reads the line
     const ObjectWatch watch(record);
     const LineCounts counts = ReadLineStatus(record);
     const int wanted = std::min(counts.input, cbBuffer);

@@ -9,11 +9,15 @@
 #include "writer.h"
 
 #include <array>
+#include <chrono>
+#include <mutex>
 
 namespace {
 
 constexpr DWORD purgeAll = PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR;
 constexpr DWORD signalEvents = EV_CTS | EV_DSR | EV_RLSD | EV_BREAK | EV_ERR;
+
+constexpr auto deviceLockLimit = std::chrono::seconds(2);
 
 // A read returns at once with what is there.
 constexpr COMMTIMEOUTS immediateReads = {MAXDWORD, 0, 0, 0, 0};
@@ -44,10 +48,16 @@ bool IsDevice(HANDLE device) {
 
 bool OpenPort(COMCTL& record, std::string& error) {
     const std::string path = std::string("\\\\.\\") + record.szPort;
-    record.hComm = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                               FILE_FLAG_OVERLAPPED, nullptr);
+    const HANDLE device = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_OVERLAPPED, nullptr);
+    const DWORD openError = GetLastError();
+    {
+        std::scoped_lock guard(record.DeviceLock);
+        record.hComm = device;
+        ++record.nDevice;
+    }
     if (!IsDevice(record.hComm)) {
-        error = OpenErrorText(GetLastError());
+        error = OpenErrorText(openError);
         return false;
     }
     SetupComm(record.hComm, static_cast<DWORD>(record.cbInBuffer), static_cast<DWORD>(record.cbOutBuffer));
@@ -82,9 +92,11 @@ void CloseDevice(COMCTL& record) {
     record.lpMonitorThread.reset();
     FinishDirectWrite(record);
     {
-        std::scoped_lock guard(record.DeviceLock);
+        // A worker that had to be terminated inside a call of the driver never lets go.
+        const std::unique_lock guard(record.DeviceLock, deviceLockLimit);
         CloseHandle(record.hComm);
         record.hComm = INVALID_HANDLE_VALUE;
+        ++record.nDevice;
     }
     DropReturnedInput(record);
 }
@@ -102,8 +114,12 @@ void AttachDevice(COMCTL& record, HANDLE device) {
     }
     {
         std::scoped_lock guard(record.DeviceLock);
+        if (record.hComm != device)
+            ++record.nDevice;
         record.hComm = device;
     }
+    if (replaced)
+        DropReturnedInput(record);
     record.bPortOpen = IsDevice(device);
     if (record.bPortOpen)
         record.lpOverlappedWrite->Start(device);

@@ -20,7 +20,7 @@ template <class Call>
 auto WorkerLine::OnDevice(Call&& call) {
     std::scoped_lock guard(record_.DeviceLock);
     using Result = decltype(call());
-    const bool present = device_ == record_.hComm && device_ && device_ != INVALID_HANDLE_VALUE;
+    const bool present = number_ == record_.nDevice && device_ && device_ != INVALID_HANDLE_VALUE;
     return present ? call() : Result{};
 }
 
@@ -29,7 +29,11 @@ WorkerLine::WorkerLine(COMCTL& record, HANDLE hStop)
     {
         std::scoped_lock guard(record_.DeviceLock);
         device_ = record_.hComm;
+        number_ = record_.nDevice;
     }
+    // An earlier transfer may have read what is meant for this one.
+    end_ = static_cast<size_t>(
+        TakeReturnedInput(record_, block_->bytes.data(), static_cast<int>(block_->bytes.size())));
     timeoutsChanged_ = OnDevice([&] {
         COMMTIMEOUTS timeouts = patientReads;
         return GetCommTimeouts(device_, &timeouts_) && SetCommTimeouts(device_, &timeouts);
@@ -184,9 +188,11 @@ void WorkerLine::EndPending() {
 }
 
 void WorkerLine::GiveBack() {
-    if (!HasUnread())
-        return;
-    GiveBackInput(record_, block_->bytes.data() + next_, end_ - next_);
+    if (HasUnread())
+        OnDevice([&] {
+            GiveBackInput(record_, block_->bytes.data() + next_, end_ - next_);
+            return true;
+        });
     next_ = end_ = 0;
 }
 

@@ -58,6 +58,7 @@ class WorkerLine {
 
     COMCTL& record_;
     HANDLE device_;
+    int number_; // the record's nDevice for it
     HANDLE hStop_;
     COMMTIMEOUTS timeouts_ = {};
     bool timeoutsChanged_ = false;

@@ -17,7 +17,8 @@ std::optional<LRESULT> StoppableSend::Send(UINT message, WPARAM wParam, LPARAM l
     if (!SendMessageCallbackA(hWnd_, message, wParam, lParam, TakeAnswer, reinterpret_cast<ULONG_PTR>(this)))
         return unanswered;
     while (!answered_) {
-        if (MsgWaitForMultipleObjects(1, &hStop_, FALSE, checkWindowEvery, QS_ALLINPUT) == WAIT_OBJECT_0)
+        const DWORD woken = MsgWaitForMultipleObjects(1, &hStop_, FALSE, checkWindowEvery, QS_ALLINPUT);
+        if (woken == WAIT_OBJECT_0 || woken == WAIT_FAILED)
             return std::nullopt;
         ServeOwnMessages();
         if (!answered_ && !IsWindow(hWnd_))

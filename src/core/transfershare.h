@@ -19,6 +19,7 @@ std::mutex& TransferLock();
 struct WindowRequest {
     int nCode;
     LPARAM lParam;
+    mutable std::atomic<bool> bTaken{false}; // the window has it: the record no longer knows of it
 };
 
 struct TransferShare {
@@ -47,6 +48,8 @@ struct TransferShare {
     std::vector<char> ReturnedInput; // guarded by ReturnedLock
     std::atomic<int> cbReturnedInput{0};
 
-    // Held by the worker during each call on the device, and by whoever takes the device away.
-    std::mutex DeviceLock;
+    // Held by the worker during each call on the device, and by whoever takes the device away. The system
+    // uses the values of handles again, so the device is told by its number.
+    std::timed_mutex DeviceLock;
+    int nDevice = 0; // guarded by DeviceLock: counts the devices that the object has had
 };

@@ -5,7 +5,6 @@
 #include <ctime>
 #include <direct.h>
 #include <io.h>
-#include <limits>
 #include <sys/stat.h>
 #include <sys/utime.h>
 #include <utility>
@@ -18,8 +17,7 @@ constexpr size_t streamBuffer = 16384; // bytes
 constexpr const char* modeTexts[] = {"rb", "wb", "ab", "rb+"};
 
 LONG Clipped(int64_t size) {
-    constexpr int64_t most = std::numeric_limits<LONG>::max();
-    return static_cast<LONG>(size > most ? most : size);
+    return size > LargestFile ? LargestFile : static_cast<LONG>(size);
 }
 
 } // namespace

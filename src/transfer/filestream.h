@@ -33,6 +33,8 @@ class FileStream {
     std::unique_ptr<State> state_;
 };
 
+inline constexpr LONG LargestFile = 0x7FFFFFFF; // bytes; what larger files count as, too
+
 struct FileInfo {
     LONG cbFile = 0;      // bytes
     int64_t modified = 0; // seconds since 1970

@@ -267,7 +267,9 @@ CModemProtocol::Sent CModemProtocol::wcs(const std::string& source, const std::s
         return Sent::Failed;
     }
     FileInfo info;
-    if (fin_.Open(source, FileMode::Read) != 0 || !GetFileInfo(source, info)) {
+    // A size that doesn't fit the header would be told wrong, and the file cut at the far end.
+    const bool readable = fin_.Open(source, FileMode::Read) == 0 && GetFileInfo(source, info);
+    if (!readable || info.cbFile == LargestFile) {
         ++Errcnt;
         return LeaveOut("Unable to read file...");
     }

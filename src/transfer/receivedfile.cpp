@@ -124,7 +124,8 @@ int ReceivedFile::MeetPresent(const FileInfo& present, FileMode mode, const std:
     // YModem has no way to ask for the rest of a file: its sender starts at 0 whatever is here.
     if (bZModem && Thisbinary && zconv == ZCRESUM) {
         Rxbytes = present.cbFile / resumeUnit * resumeUnit;
-        if (Bytesleft >= present.cbFile)
+        // Without a told length nobody knows where the old contents would have to end.
+        if (Bytesleft >= present.cbFile && Bytesleft != UnknownFileSize)
             return Resume();
         Rxbytes = 0;
         return OpenAs(mode, name);

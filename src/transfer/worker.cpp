@@ -23,6 +23,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -47,15 +48,20 @@ LRESULT SendToWindow(UINT message, WPARAM wParam, LPARAM lParam) {
 LRESULT SendAnnounced(COMCTL& record, UINT message, int nCode, LPARAM lParam) {
     class Announcement {
       public:
-        Announcement(TransferShare& share, const WindowRequest& request) : share_(share) {
+        Announcement(TransferShare& share, const WindowRequest& request) : share_(share), request_(request) {
             share_.lpWindowRequest = &request;
         }
-        ~Announcement() { share_.lpWindowRequest = nullptr; }
+        // After an answer the record may be another worker's, or gone.
+        ~Announcement() {
+            if (!request_.bTaken)
+                share_.lpWindowRequest = nullptr;
+        }
         Announcement(const Announcement&) = delete;
         Announcement& operator=(const Announcement&) = delete;
 
       private:
         TransferShare& share_;
+        const WindowRequest& request_;
     };
     const WindowRequest request{nCode, lParam};
     const Announcement announcement(record, request);
@@ -69,6 +75,7 @@ COMCTL* TakeAnnounced(HWND hWnd, int nCode, LPARAM lParam) {
     if (!request || request->nCode != nCode || request->lParam != lParam)
         return nullptr;
     record->lpWindowRequest = nullptr;
+    request->bTaken = true;
     return record;
 }
 
@@ -149,6 +156,8 @@ bool IsModemProtocol(int nProtocol) {
 // Non-zero for failure.
 int RunProtocol(TRANSFER& transfer) {
     const bool send = transfer.nDirection == XferUpload;
+    if (!send && transfer.nDirection != XferDownload)
+        return 1;
     if (transfer.nProtocol == Protocol_Kermit)
         return send ? KermitSend(transfer) : KermitReceive(transfer);
     if (!IsModemProtocol(transfer.nProtocol))
@@ -181,8 +190,8 @@ void TellWatcher() {
 // Non-zero for failure.
 int RunWithPort(TRANSFER& transfer, TransferPort& port) {
     OwnerLock owner;
-    MakeDialog(transfer, owner);
     transfer.nDirection = static_cast<int>(xfRequest(transfer.hWnd, Request_Direction, 0));
+    MakeDialog(transfer, owner);
     const int bError = RunProtocol(transfer);
     owner.Release();
     const int bAborted = xfGetAbort(transfer);
@@ -192,8 +201,8 @@ int RunWithPort(TRANSFER& transfer, TransferPort& port) {
     xfFlushOutput(transfer);
     port.Restore();
     if (transfer.hDlg)
-        RequestOnWindow(transfer, Request_DestroyDialog,
-                        reinterpret_cast<LPARAM>(std::exchange(transfer.hDlg, nullptr)));
+        RequestOnWindow(transfer, Request_DestroyDialog, reinterpret_cast<LPARAM>(transfer.hDlg));
+    transfer.hDlg = nullptr;
     return bError || bAborted;
 }
 
@@ -256,7 +265,10 @@ void TransferThread(const WorkerStart& start) {
     try {
         RunTransferToItsEnd(Transfer);
     } catch (const WorkerLeaves&) {
-        // The object is gone, and with it everybody who would want to hear how it ended.
+        // The object is gone, and with it everybody who would want to hear how it ended. Its dialog may
+        // outlive this record.
+        if (Transfer.hDlg)
+            SetWindowLongPtrA(Transfer.hDlg, DWLP_USER, 0);
     }
 }
 
@@ -281,7 +293,11 @@ HANDLE StartWorker(COMCTL& record) {
 bool BeginTransfer(COMCTL& record) {
     record.nTransferStatus = TransferStatus_WaitForFile;
     record.hTransferStop = ManualResetEvent();
-    record.hTransferThread.reset(StartWorker(record));
+    try {
+        record.hTransferThread.reset(StartWorker(record));
+    } catch (const std::bad_alloc&) {
+        record.hTransferThread.reset();
+    }
     return static_cast<bool>(record.hTransferThread);
 }
 
@@ -328,7 +344,8 @@ LRESULT AnswerTransferEnd(HWND hWnd, int nStatus) {
     SetUpTick(*record);
     if (record->hFocusWindow == hWnd)
         SetFocus(hWnd);
-    if (watch.Alive() && record->cbReturnedInput)
+    // Ticks that came during the transfer found nothing, and no other may come for bytes that are here.
+    if (watch.Alive())
         Tick(hWnd);
     return 0;
 }

@@ -16,13 +16,32 @@ constexpr LONG skippedModtime = 1; // marks what a sender gave up
 
 int ZModemReceiver::ReceiveFiles() {
     for (;;) {
-        const int result = ReceiveFile();
-        if (!EndFile(result))
+        const int result = IsRefusedAgain() ? RefuseAgain() : ReceiveOffer();
+        if (result != FileProceeds)
             return result;
         const int next = TryZModem();
         if (next != ZFILE)
             return next == ZCOMPL ? 0 : ReadError;
     }
+}
+
+// Some senders answer ZFERR by the same offer, for ever: only ZSKIP brings them to their next file.
+bool ZModemReceiver::IsRefusedAgain() const {
+    return !refused_.empty() && refused_ == Offer();
+}
+
+int ZModemReceiver::RefuseAgain() {
+    Tryzhdrtype = ZSKIP;
+    if (++needless_ > needlessLimit)
+        return ReadError;
+    return FileProceeds;
+}
+
+int ZModemReceiver::ReceiveOffer() {
+    const std::string offer(Offer());
+    const int result = ReceiveFile();
+    refused_ = result == ZFERR ? offer : std::string();
+    return EndFile(result) ? int{FileProceeds} : result;
 }
 
 // False: the result says nothing about a file, and ends the run.
@@ -93,6 +112,11 @@ ZModemReceiver::Step ZModemReceiver::Fail(const char* szReason) {
     return {Next::End, ReadError};
 }
 
+// What costs no budget, but not for ever.
+ZModemReceiver::Step ZModemReceiver::Tolerate(Next next) {
+    return ++needless_ > needlessLimit ? Fail("Persistent CRC or other ERROR") : Step{next};
+}
+
 ZModemReceiver::Step ZModemReceiver::HeaderLate() {
     if (BudgetSpent())
         return Fail("Receive file got timeout");
@@ -118,7 +142,7 @@ ZModemReceiver::Step ZModemReceiver::HeaderRefused() {
 ZModemReceiver::Step ZModemReceiver::FileOutOfSequence() {
     Line().Log("Received out of sequence ZFILE...");
     framing_.ReceiveData(Secbuf.data(), subpacketSize);
-    return {Next::Pass};
+    return Tolerate(Next::Pass);
 }
 
 ZModemReceiver::Step ZModemReceiver::FileSkipped() {
@@ -146,7 +170,7 @@ ZModemReceiver::Step ZModemReceiver::WrongHeader(int type) {
 ZModemReceiver::Step ZModemReceiver::TakeEnd() {
     // One of another position is stale: it was on its way when the sender was asked to go back.
     if (framing_.Rxpos != file_.Rxbytes)
-        return {Next::Header};
+        return Tolerate(Next::Header);
     if (file_.CloseReceivedFile() == 0) {
         Line().Log("ReceiveFile: File transferred successfully");
         return {Next::End, ZEOF};
@@ -202,6 +226,7 @@ void ZModemReceiver::StoreSubpacket(const DataRow& row) {
                row.letter);
     Line().ShowStatus("Receiving data");
     budget_ = errorBudget;
+    needless_ = 0;
     if (!row.reply)
         return;
     if (row.xonFirst)
@@ -226,7 +251,7 @@ ZModemReceiver::Step ZModemReceiver::DataFailure(int result) {
     case ZCAN:
         return Fail("Sender CANcelled");
     default:
-        return {Next::Pass};
+        return Tolerate(Next::Pass);
     }
 }
 

@@ -54,7 +54,7 @@ std::optional<int> ZModemReceiver::AwaitOffer() {
         {ZFREECNT, &ZModemReceiver::TellFreeSpace},
         {ZCOMMAND, &ZModemReceiver::Refuse}, // no command is ever run
     };
-    for (;;) {
+    for (int headers = 0; headers < needlessLimit; ++headers) {
         const int type = framing_.GetHeader();
         const auto* row = std::ranges::find(rows, type, &Row::type);
         if (row == std::end(rows))
@@ -63,6 +63,7 @@ std::optional<int> ZModemReceiver::AwaitOffer() {
         if (step.next == Next::End)
             return step.result;
     }
+    return std::nullopt;
 }
 
 ZModemReceiver::Step ZModemReceiver::TakeSessionOptions() {

@@ -6,6 +6,8 @@
 
 #include <array>
 #include <optional>
+#include <string>
+#include <string_view>
 
 class ZModemReceiver {
   public:
@@ -36,9 +38,14 @@ class ZModemReceiver {
     Step ReadOn() { return {Next::Header}; }
     Step Refuse() { return {Next::End, ReadError}; }
 
+    int ReceiveOffer(); // FileProceeds: the sender may offer the next
     int ReceiveFile();
+    bool IsRefusedAgain() const;
+    int RefuseAgain();
+    std::string_view Offer() const { return {Secbuf.data(), static_cast<size_t>(cbOffer_)}; }
     std::optional<int> ReceiveFrames();
     bool EndFile(int result);
+    Step Tolerate(Next next);
     bool BudgetSpent() { return --budget_ < 0; }
     Step Fail(const char* szReason);
     Step HeaderLate();
@@ -61,11 +68,14 @@ class ZModemReceiver {
     ModemLine& Line() { return framing_.Line(); }
 
     static constexpr int subpacketSize = 1024; // bytes
+    static constexpr int needlessLimit = 100;  // a far end that never comes to the point ends here
 
     ZModemFraming& framing_;
     ReceivedFile& file_;
     std::array<char, subpacketSize + 1> Secbuf = {}; // a sub-packet and its NUL
     int cbOffer_ = 0;                                // bytes of the file header in it
     int Tryzhdrtype = ZRINIT;                        // answers the ZFILE before
+    int needless_ = 0;                               // headers in a row that cost no budget
+    std::string refused_;                            // the offer before, if it was answered by ZFERR
     int budget_ = 0;                                 // errors that the file may still have
 };

@@ -34,6 +34,21 @@ DataAnswer MeaningOf(int header, DataAnswer DataRow::*place) {
     return DataAnswer::Failed;
 }
 
+// How the file ends by such an answer; nothing while it goes on.
+std::optional<int> EndOf(DataAnswer answer) {
+    switch (answer) {
+    case DataAnswer::Ready:
+        return 0;
+    case DataAnswer::Skipped:
+        return ZSKIP;
+    case DataAnswer::Failed:
+        return ReadError;
+    case DataAnswer::GoesOn:
+        break;
+    }
+    return std::nullopt;
+}
+
 bool IsXOff(int c) {
     return (c & 0x7F) == ascii::DC3;
 }
@@ -124,18 +139,10 @@ std::optional<int> ZModemSender::LookAtInput() {
 
 std::optional<int> ZModemSender::AfterAnswer(int answer) {
     for (;;) {
-        switch (MeaningOf(answer, &DataRow::inData)) {
-        case DataAnswer::Ready:
-            return CloseWith(0);
-        case DataAnswer::Skipped:
-            return CloseWith(ZSKIP);
-        case DataAnswer::Failed:
+        if (const std::optional<int> end = EndOf(MeaningOf(answer, &DataRow::inData)))
+            return CloseWith(*end);
+        if (answer == ZACK && !Confirms(framing_.Rxpos) && Fruitless())
             return CloseWith(ReadError);
-        case DataAnswer::GoesOn:
-            break;
-        }
-        if (answer == ZACK)
-            fruitless_ = 0;
         const std::optional<int> next = WaitingAnswer();
         if (!next)
             return std::nullopt;
@@ -160,16 +167,8 @@ std::optional<int> ZModemSender::SendEndOfFile() {
         framing_.StoreHeader(Txpos);
         framing_.SendBinaryHeader(ZEOF);
         const int answer = getinsync(false);
-        switch (MeaningOf(answer, &DataRow::atEnd)) {
-        case DataAnswer::Ready:
-            return CloseWith(0);
-        case DataAnswer::Skipped:
-            return CloseWith(ZSKIP);
-        case DataAnswer::Failed:
-            return CloseWith(ReadError);
-        case DataAnswer::GoesOn:
-            break;
-        }
+        if (const std::optional<int> end = EndOf(MeaningOf(answer, &DataRow::atEnd)))
+            return CloseWith(*end);
         if (answer == ZRPOS)
             return std::nullopt;
         if (Fruitless())

@@ -45,6 +45,7 @@ int ZModemSender::SendZFile(const char* lpHeader, int cbHeader) {
     Line().ShowStatus("Sending filename...");
     Eofseen = false;
     fruitless_ = 0;
+    confirmed_ = 0;
     askedCount_.reset();
     for (int offer = 0; offer < offers; ++offer) {
         Line().Log("Sending filename %s", lpHeader);

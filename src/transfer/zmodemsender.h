@@ -50,6 +50,7 @@ class ZModemSender {
     int getinsync(bool dataRuns);
     int GoTo(LONG position);
     bool RepeatsTooOften(LONG position);
+    bool Confirms(LONG position);
     bool Fruitless();
 
     // The opening: zmodemsendopening.cpp.
@@ -73,6 +74,7 @@ class ZModemSender {
     bool Eofseen = false;
     int subpackets_ = 0; // since the last stop
     int strays_ = 0;     // bytes from the receiver that begin no header
+    LONG confirmed_ = 0; // the furthest place that the receiver told
     int fruitless_ = 0;  // answers since the last one that moved the file on
 
     std::optional<LONG> askedCount_; // of the receiver's last request for a checksum

@@ -78,7 +78,7 @@ int ZModemSender::GoTo(LONG position) {
     }
     Eofseen = false;
     Txpos = bytcnt = position;
-    if (RepeatsTooOften(position)) {
+    if (RepeatsTooOften(position) || (!Confirms(position) && Fruitless())) {
         Line().Log("Can't send block");
         return ReadError;
     }
@@ -90,7 +90,6 @@ int ZModemSender::GoTo(LONG position) {
 bool ZModemSender::RepeatsTooOften(LONG position) {
     if (position != Lastsync) {
         Beenhereb4 = 0;
-        fruitless_ = 0;
         return false;
     }
     ++Beenhereb4;
@@ -99,6 +98,15 @@ bool ZModemSender::RepeatsTooOften(LONG position) {
     if (Beenhereb4 >= patientRepeats && blklen > shortestBlock)
         blklen /= 2;
     return false;
+}
+
+// The receiver has more of the file than it ever had.
+bool ZModemSender::Confirms(LONG position) {
+    if (position <= confirmed_)
+        return false;
+    confirmed_ = position;
+    fruitless_ = 0;
+    return true;
 }
 
 bool ZModemSender::Fruitless() {

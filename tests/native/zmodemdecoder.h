@@ -269,7 +269,7 @@ class Decoder {
     void Keep(const std::string& bytes) {
         if (dataOf_ == 4)
             fileHeader = bytes;
-        if (dataOf_ != 10)
+        if (dataOf_ != 10 || bytes.empty())
             return;
         if (contents.size() < position_ + bytes.size())
             contents.resize(position_ + bytes.size());

