@@ -61,6 +61,7 @@ struct AllOnesInvalid {
 
 using EventHandle = UniqueHandle<NullInvalid>;
 using ThreadHandle = UniqueHandle<NullInvalid>;
+using FileMappingHandle = UniqueHandle<NullInvalid>;
 using FileHandle = UniqueHandle<AllOnesInvalid>;
 
 inline EventHandle ManualResetEvent() {

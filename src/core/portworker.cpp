@@ -131,6 +131,15 @@ bool WorkerLine::TakePending() {
     return true;
 }
 
+// Counted bytes come at once; where they don't, somebody else read them, and the device must not keep the
+// memory.
+bool WorkerLine::EndsSoon(BlockRead& read) {
+    if (WaitForSingleObject(read.done.get(), failedReadPause) == WAIT_OBJECT_0)
+        return true;
+    CancelIoEx(device_, &read.state);
+    return WaitForSingleObject(read.done.get(), CancelLimit) == WAIT_OBJECT_0;
+}
+
 // Appends what the driver has counted; such a read ends at once.
 bool WorkerLine::ReadBlock() {
     DWORD errors = 0;
@@ -145,11 +154,7 @@ bool WorkerLine::ReadBlock() {
     if (!ReadFile(device_, block_->bytes.data() + end_, wanted, &count, &block_->state)) {
         if (GetLastError() != ERROR_IO_PENDING)
             return false;
-        // Counted bytes that don't come: a host read them at the same time. The device must not keep the
-        // memory.
-        if (WaitForSingleObject(block_->done.get(), failedReadPause) != WAIT_OBJECT_0)
-            CancelIoEx(device_, &block_->state);
-        if (WaitForSingleObject(block_->done.get(), CancelLimit) != WAIT_OBJECT_0) {
+        if (!EndsSoon(*block_)) {
             static_cast<void>(block_.release());
             block_ = std::make_unique<BlockRead>();
             end_ = 0;
@@ -211,8 +216,6 @@ void WorkerLine::Pause(Until what, DWORD milliseconds) {
             milliseconds = std::min(milliseconds, failedReadPause);
     }
     if (what == Until::OutputGone) {
-        if (OutQueue() == 0)
-            return;
         handles[count++] = record_.lpOverlappedWrite->DrainedEvent();
         milliseconds = std::min(milliseconds, outputPoll);
     }

@@ -52,6 +52,7 @@ class WorkerLine {
     bool Fill();
     bool TakePending();
     bool ReadBlock();
+    bool EndsSoon(BlockRead& read);
     void StartPending();
     void EndPending();
     void GiveBack();

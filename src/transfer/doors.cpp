@@ -58,18 +58,6 @@ int NameLength(HWND hWnd) {
     return static_cast<int>(std::strlen(record->*Field));
 }
 
-bool WorkerRuns(const COMCTL& record) {
-    return record.hTransferThread && WaitForSingleObject(record.hTransferThread.get(), 0) == WAIT_TIMEOUT;
-}
-
-HANDLE Duplicate(HANDLE thread) {
-    const HANDLE self = GetCurrentProcess();
-    HANDLE copy = nullptr;
-    if (thread != INVALID_HANDLE_VALUE)
-        DuplicateHandle(self, thread, self, &copy, 0, FALSE, DUPLICATE_SAME_ACCESS);
-    return copy;
-}
-
 void RequestAbort(HWND hWnd) {
     if (COMCTL* record = RecordOf(hWnd))
         record->bAbortTransfer = 1;
@@ -113,10 +101,7 @@ int TARNAPI Download(HWND hWnd, const char* szName) {
 HANDLE TARNAPI StartTransfer(HWND hWnd) {
     return BehindWall("StartTransfer", [&]() -> HANDLE {
         COMCTL* record = RecordOf(hWnd);
-        if (!record || WorkerRuns(*record))
-            return nullptr;
-        record->hTransferThread.reset(StartWorker(*record)); // the object waits for it when it goes
-        return Duplicate(record->hTransferThread.get());
+        return record ? StartWorkerAlone(*record) : nullptr;
     });
 }
 

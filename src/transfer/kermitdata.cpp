@@ -94,12 +94,15 @@ int FillBuffer(KermitState& kermit) {
 
 bool EmptyBuffer(KermitState& kermit, int length) {
     return Guarded("Kermit: EmptyBuffer", false, [&] {
-        TRANSFER& transfer = kermit.transfer;
-        transfer.lBytesDone = Sum(transfer.lBytesDone, length);
-        xfUpdate(transfer, transfer.lBytesDone, length);
         const std::string bytes = Decoded(kermit.packet, std::clamp(length, 0, mostData));
         const auto count = static_cast<DWORD>(bytes.size());
         kermit.cbWritten += count;
         return !count || Fwrite(kermit.hFile, bytes.data(), count) == count;
     });
+}
+
+void CountReceived(KermitState& kermit, int length) {
+    TRANSFER& transfer = kermit.transfer;
+    transfer.lBytesDone = Sum(transfer.lBytesDone, length);
+    xfUpdate(transfer, transfer.lBytesDone, length);
 }

@@ -15,3 +15,6 @@ int FillBuffer(KermitState& kermit);
 
 // Decodes the data of packet to the file. False: that failed.
 bool EmptyBuffer(KermitState& kermit, int length);
+
+// Shows that so many coded bytes have come.
+void CountReceived(KermitState& kermit, int length);

@@ -12,10 +12,6 @@ constexpr size_t longestMessage = 255; // characters; more is cut
 
 } // namespace
 
-void DebugText(const char* szText) {
-    OutputDebugStringA(szText);
-}
-
 void ShowMessage(KermitState& kermit, const std::string& text) {
     Guarded("Kermit: ShowMessage", [&] {
         const std::string shown = text.substr(0, longestMessage);

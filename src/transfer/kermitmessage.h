@@ -3,7 +3,7 @@
 
 #include "kermitstate.h"
 
-void DebugText(const char* szText);
+#include "diagnostics/debugtext.h"
 
 void ShowMessage(KermitState& kermit, const std::string& text);
 void ShowErrorPacket(KermitState& kermit, const char* szText);

@@ -74,6 +74,8 @@ State TakeFile(KermitState& kermit, const Packet& came) {
     }
     ShowMessage(kermit, "Receiving " + filnam1);
     AcknowledgeDue(kermit);
+    // After the answer: the sender goes on while the host looks at its progress.
+    CountReceived(kermit, came.length);
     ShowMessage(kermit, "");
     return State::Data;
 }

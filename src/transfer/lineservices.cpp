@@ -115,22 +115,14 @@ int xfGetChar(TRANSFER& transfer, DWORD milliseconds) {
     int c = transfer.lpLine->Take();
     if (c >= 0)
         return c;
-    if (IsStopped(transfer) || !xfPortIsOpen(transfer)) {
-        xfSetAbort(transfer, 1);
-        return -1;
-    }
     DWORD left = milliseconds;
     bool dataCame = false;
     while (left && !dataCame) {
         const DWORD slice = std::min(left, longestWaitSlice);
         dataCame = xfWaitForInput(transfer, slice);
         left -= slice;
-        if (IsStopped(transfer))
+        if (xfGetAbort(transfer))
             return -1;
-        if (xfGetAbort(transfer) || !xfPortIsOpen(transfer)) {
-            xfSetAbort(transfer, 1);
-            return -1;
-        }
     }
     c = transfer.lpLine->Take();
     if (c < 0)

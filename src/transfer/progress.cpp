@@ -4,6 +4,7 @@
 #include "Tc-xfer.h"
 
 #include "core/live.h"
+#include "diagnostics/debugtext.h"
 #include "TarnComm.h"
 
 #include <cstdio>
@@ -57,7 +58,7 @@ void LogTransfer(TRANSFER& transfer, const char* szText) {
         WireTapTransfer(transfer.hWnd, "%s", szText);
     char line[1026];
     std::snprintf(line, sizeof line, "%s\r\n", szText);
-    OutputDebugStringA(line);
+    DebugText(line);
 }
 
 void xfStartFile(TRANSFER& transfer) {

@@ -272,22 +272,35 @@ void TransferThread(const WorkerStart& start) {
     }
 }
 
-EventHandle Duplicate(HANDLE event) {
+HANDLE Duplicate(HANDLE handle) {
+    const HANDLE self = GetCurrentProcess();
     HANDLE copy = nullptr;
-    DuplicateHandle(GetCurrentProcess(), event, GetCurrentProcess(), &copy, 0, FALSE, DUPLICATE_SAME_ACCESS);
-    return EventHandle(copy);
+    DuplicateHandle(self, handle, self, &copy, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    return copy;
 }
-
-} // namespace
 
 HANDLE StartWorker(COMCTL& record) {
     if (!record.hTransferStop)
         record.hTransferStop = ManualResetEvent();
     // The worker has a handle of its own: the record's may be replaced while it still says goodbye.
-    auto start = std::make_shared<WorkerStart>(record.hWnd, Duplicate(record.hTransferStop.get()));
+    auto start =
+        std::make_shared<WorkerStart>(record.hWnd, EventHandle(Duplicate(record.hTransferStop.get())));
     record.bAbortTransfer = 0; // not by the worker itself: an abort may come before its first instruction
     std::snprintf(start->szObjectName, sizeof start->szObjectName, "%s", record.szName);
     return StartModuleThread([start] { TransferThread(*start); }).release();
+}
+
+bool WorkerRuns(const COMCTL& record) {
+    return record.hTransferThread && WaitForSingleObject(record.hTransferThread.get(), 0) == WAIT_TIMEOUT;
+}
+
+} // namespace
+
+HANDLE StartWorkerAlone(COMCTL& record) {
+    if (WorkerRuns(record))
+        return nullptr;
+    record.hTransferThread.reset(StartWorker(record)); // the object waits for it when it goes
+    return record.hTransferThread ? Duplicate(record.hTransferThread.get()) : nullptr;
 }
 
 bool BeginTransfer(COMCTL& record) {

@@ -12,8 +12,9 @@ inline constexpr UINT TransferEndMessage = WM_USER + 4; // wParam: the last stat
 // Readies and starts a transfer; its first name is queued and nTransferType is set. False: no thread.
 bool BeginTransfer(COMCTL& record);
 
-// Starts the worker alone; the handle is the caller's to close, invalid if there is no thread to be had.
-HANDLE StartWorker(COMCTL& record);
+// Starts the worker without a queue or a type. The handle is the caller's to close; null while a worker runs
+// and where there is no thread to be had.
+HANDLE StartWorkerAlone(COMCTL& record);
 
 // Stops the worker of an object that is being destroyed and takes its dialog away. Window's thread.
 void EndTransferThread(COMCTL& record);

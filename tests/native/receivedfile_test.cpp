@@ -264,7 +264,7 @@ const PresentCase presentCases[] = {
     {"ResumesAtTheWholeSize", 0, 4, true, 1024, "5000", FileProceeds, "rb+", 1024},
     {"ResumesASmallFileAtItsStart", 0, 4, true, 511, "5000", FileProceeds, "rb+", 0},
     {"ResumesAFileOfTheSameSize", 0, 4, true, 1000, "1000", FileProceeds, "rb+", 512},
-    {"ResumesAFileOfUnknownSize", 0, 4, true, 1000, "", FileProceeds, "rb+", 512},
+    {"ReplacesWhereNoSizeIsTold", 0, 4, true, 1000, "", FileProceeds, "wb"},
     {"ReplacesALongerFile", 0, 4, true, 1000, "511", FileProceeds, "wb"},
     {"ReplacesAFileLongerByLessThan512", 0, 4, true, 1000, "999", FileProceeds, "wb"},
     {"ResumesOnlyUnderZModem", 0, 4, true, 1000, "5000", FileProceeds, "wb", 0, false},

@@ -20,7 +20,7 @@ bool BeginTransfer(COMCTL&) {
     return true;
 }
 
-HANDLE StartWorker(COMCTL&) {
+HANDLE StartWorkerAlone(COMCTL&) {
     return nullptr;
 }
 
