@@ -146,3 +146,24 @@ TEST(SharedTransfer, InputThatTheWorkerGivesBackIsReadOnce) {
     EXPECT_EQ(taken, given);
     EXPECT_EQ(record.cbReturnedInput, 0);
 }
+
+TEST(SharedTransfer, QueueIsFilledAndEmptiedAtTheSameTime) {
+    ScriptedObject object;
+    COMCTL& record = object.Record();
+    constexpr int names = 20000;
+    std::jthread host([&] {
+        for (int i = 0; i < names; ++i) {
+            while (record.cFiles > 20)
+                std::this_thread::yield();
+            QueueFile(record, "name");
+        }
+    });
+    int taken = 0;
+    while (taken < names)
+        if (FirstQueuedFile(record) == "name") {
+            DropFirstQueuedFile(record);
+            ++taken;
+        }
+    EXPECT_EQ(record.cFiles, 0);
+    EXPECT_EQ(FirstQueuedFile(record), "");
+}
