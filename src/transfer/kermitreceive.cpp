@@ -74,8 +74,6 @@ State TakeFile(KermitState& kermit, const Packet& came) {
     }
     ShowMessage(kermit, "Receiving " + filnam1);
     AcknowledgeDue(kermit);
-    // After the answer: the sender goes on while the host looks at its progress.
-    CountReceived(kermit, came.length);
     ShowMessage(kermit, "");
     return State::Data;
 }
@@ -113,6 +111,8 @@ State TakeData(KermitState& kermit, const Packet& came) {
     if (!EmptyBuffer(kermit, came.length))
         return State::Abort;
     AcknowledgeDue(kermit);
+    // After the answer: the sender goes on while the host looks at its progress.
+    CountReceived(kermit, came.length);
     ShowMessage(kermit, "");
     return State::Data;
 }

@@ -35,11 +35,10 @@ void ShowNumber(const TRANSFER& transfer, int nItem, const char* szFormat, LONG 
     ShowItem(transfer, nItem, text);
 }
 
-// In 32 bits, so that it wraps for files above 42,949,672 bytes; kept so, see the tests.
+// In 32 bits, so that it begins anew in files above 42,949,672 bytes; kept so, see the tests.
 int Percent(LONG cbDone, LONG cbFile) {
-    if (cbFile <= 0)
-        return 0;
-    return static_cast<LONG>(static_cast<DWORD>(cbDone) * 100) / cbFile;
+    const auto size = static_cast<DWORD>(cbFile);
+    return size ? static_cast<int>(static_cast<DWORD>(cbDone) * 100 / size) : 0;
 }
 
 } // namespace

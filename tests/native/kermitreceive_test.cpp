@@ -50,6 +50,18 @@ TEST(KermitReceive, TakesAFile) {
     EXPECT_TRUE(receiver.Logged("Kermit Receive File"));
 }
 
+TEST(KermitReceive, EachDataPacketIsAnsweredAndThenTold) {
+    KermitReceiver receiver;
+    Lines told;
+    receiver.transfer.onEvent = [&](int status) {
+        if (status == TransferStatus_Transfering)
+            told.push_back(std::to_string(receiver.transfer.object.Record().lBytesTransferred) + " after " +
+                           receiver.packets.back());
+    };
+    receiver.Run({init, file, Data(2, "abc"), Data(3, "#M#J"), Packet('Z', 4), Packet('B', 5)});
+    EXPECT_EQ(told, (Lines{"3 after Y2", "7 after Y3"}));
+}
+
 TEST(KermitReceive, FileIsCompleteWhenItsEndIsTold) {
     KermitReceiver receiver;
     std::string contents;
@@ -348,7 +360,7 @@ TEST(KermitReceive, ExceptionInAStepEndsIt) {
             throw std::runtime_error("in the event");
     };
     EXPECT_EQ(receiver.Run(wholeFile), 1);
-    EXPECT_EQ(receiver.packets, (Lines{"Y0 ~* @-#", "Y1"}));
+    EXPECT_EQ(receiver.packets, (Lines{"Y0 ~* @-#", "Y1", "Y2"}));
 }
 
 TEST(KermitReceive, WorkerLeavesFromAnyStep) {

@@ -92,6 +92,8 @@ void OpenStatusDialog(TRANSFER&) {}
 
 void ShowItem(const TRANSFER& transfer, int nItem, const char* szText) {
     TransferDouble* self = DoubleOf(transfer.hWnd);
+    if (self)
+        self->items[nItem] = szText;
     if (!self || nItem != Item_Status)
         return;
     self->lastStatus = szText;
@@ -104,7 +106,10 @@ void ShowTitle(const TRANSFER& transfer, const char* szTitle) {
         self->journal.push_back(std::string("title ") + szTitle);
 }
 
-void ShowPercent(const TRANSFER&, int) {}
+void ShowPercent(const TRANSFER& transfer, int nPercent) {
+    if (TransferDouble* self = DoubleOf(transfer.hWnd))
+        self->percent = nPercent;
+}
 
 HWND WINAPI GetParent(HWND) {
     return nullptr;

@@ -7,6 +7,7 @@
 #include "transfer/transfer.h"
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -26,11 +27,12 @@ class TransferDouble {
     std::vector<std::string> journal;
     bool keepBlocks = true;
     std::function<void(int status)> onEvent; // the host's code, in the event
-    std::vector<std::string> log;            // the transfer's log lines
 
-    // The dialog's items, the last text of each, "" for an emptied one; filled when transfer.hDlg is not
-    // null.
     std::string lastStatus;
+
+    // What the dialog shows, where transfer.hDlg says that there is one.
+    std::map<int, std::string> items;
+    int percent = -1;
 
     void Queue(const std::string& name); // a file to be sent, or the name for one to be received
 };

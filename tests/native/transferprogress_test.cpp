@@ -5,6 +5,7 @@
 
 #include "transfer/queue.h"
 #include "transfer/services.h"
+#include "transfer/statusdialog.h"
 #include "transfer/xferpath.h"
 
 #include <gtest/gtest.h>
@@ -205,4 +206,102 @@ TEST(XferUnique, NamelessReceiveGetsOne) {
     xfPrepareReceive(transfer.transfer, name, name);
     EXPECT_EQ(name, "UNTITLED.000");
     EXPECT_EQ(transfer.journal.front(), "prepare UNTITLED.000 UNTITLED.000");
+}
+
+namespace {
+
+// A transfer that believes to have a dialog.
+struct ShownTransfer : TransferDouble {
+    ShownTransfer() : TransferDouble(XferDownload) { transfer.hDlg = reinterpret_cast<HWND>(1); }
+};
+
+struct PercentCase {
+    LONG size;
+    LONG done;
+    int percent;
+};
+
+const PercentCase percentCases[] = {
+    {1000, 0, 0},
+    {1000, 500, 50},
+    {1000, 999, 99},
+    {1000, 1000, 100},
+    {0, 500, 0},
+    {-1, 500, 0},
+    {UnknownFileSize, 1000, 0},
+    {42949672, 42949672, 100},
+    // Counted in 32 bits, kept so.
+    {42949673, 42949673, 0},
+    {85899346, 64424509, 24},
+};
+
+struct ElapsedCase {
+    DWORD milliseconds;
+    const char* text;
+};
+
+const ElapsedCase elapsedCases[] = {
+    {0, ""},
+    {999, ""},
+    {1000, "00:00:01"},
+    {59999, "00:00:59"},
+    {60000, "00:01:00"},
+    {3599000, "00:59:59"},
+    {3600000, "01:00:00"},
+    {360000000, "100:00:00"},
+};
+
+} // namespace
+
+TEST(XferShown, BarShowsThePercentOfTheFile) {
+    for (const PercentCase& test : percentCases) {
+        ShownTransfer shown;
+        xfSetFileSize(shown.transfer, test.size);
+        xfUpdate(shown.transfer, test.done, 0);
+        EXPECT_EQ(shown.percent, test.percent) << test.done << " of " << test.size;
+    }
+}
+
+TEST(XferShown, TimeCountsFromTheFirstBytes) {
+    for (const ElapsedCase& test : elapsedCases) {
+        ShownTransfer shown;
+        xfStartFile(shown.transfer);
+        platform::AdvanceTick(5000);
+        xfUpdate(shown.transfer, 100, 100);
+        platform::AdvanceTick(test.milliseconds);
+        xfUpdate(shown.transfer, 200, 100);
+        EXPECT_EQ(shown.items[Item_Elapsed], test.text) << test.milliseconds;
+    }
+}
+
+TEST(XferShown, BlockSizeOfZeroIsEmpty) {
+    ShownTransfer shown;
+    xfUpdate(shown.transfer, 128, 128);
+    EXPECT_EQ(shown.items[Item_BlockSize], "128");
+    xfUpdate(shown.transfer, 256, 0);
+    EXPECT_EQ(shown.items[Item_BlockSize], "");
+}
+
+TEST(XferShown, SizesAreTold) {
+    ShownTransfer shown;
+    xfSetFileSize(shown.transfer, 5000);
+    xfUpdate(shown.transfer, 1024, 1024);
+    EXPECT_EQ(shown.items[Item_FileSize], "5000 bytes");
+    EXPECT_EQ(shown.items[Item_BytesDone], "1024 bytes");
+}
+
+TEST(XferShown, UnknownSizeLeavesItsLabelEmpty) {
+    ShownTransfer shown;
+    xfStartFile(shown.transfer);
+    xfSetFileSize(shown.transfer, UnknownFileSize);
+    EXPECT_EQ(shown.items[Item_FileSize], "");
+}
+
+TEST(XferShown, LabelsAreEmptiedAtTheStartOfEachFile) {
+    ShownTransfer shown;
+    for (int item = Item_BytesDone; item <= Item_BlockSize; ++item)
+        shown.items[item] = "old";
+    xfStartFile(shown.transfer);
+    for (int item = Item_BytesDone; item <= Item_BlockSize; ++item)
+        EXPECT_EQ(shown.items[item], "") << item;
 }
