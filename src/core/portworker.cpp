@@ -120,7 +120,7 @@ bool WorkerLine::Fill() {
 
 // The byte of the pending read, if it has come.
 bool WorkerLine::TakePending() {
-    if (WaitForSingleObject(pending_->done.get(), 0) != WAIT_OBJECT_0)
+    if (!HasOverlappedIoCompleted(&pending_->state))
         return false;
     DWORD count = 0;
     const bool read = GetOverlappedResult(device_, &pending_->state, &count, FALSE) && count == 1;
@@ -201,12 +201,12 @@ void WorkerLine::GiveBack() {
     next_ = end_ = 0;
 }
 
-void WorkerLine::Pause(Until what, DWORD milliseconds) {
+bool WorkerLine::Pause(Until what, DWORD milliseconds) {
     HANDLE handles[2] = {hStop_, nullptr};
     DWORD count = 1;
     if (what == Until::Input) {
         if (HasUnread())
-            return;
+            return true;
         if (!pendingFailed_)
             StartPending();
         pendingFailed_ = false;
@@ -219,5 +219,6 @@ void WorkerLine::Pause(Until what, DWORD milliseconds) {
         handles[count++] = record_.lpOverlappedWrite->DrainedEvent();
         milliseconds = std::min(milliseconds, outputPoll);
     }
-    MsgWaitForMultipleObjects(count, handles, FALSE, milliseconds, QS_ALLINPUT);
+    const DWORD woken = MsgWaitForMultipleObjects(count, handles, FALSE, milliseconds, QS_ALLINPUT);
+    return count == 2 && woken == WAIT_OBJECT_0 + 1;
 }

@@ -33,9 +33,9 @@ class WorkerLine {
     void SendBreak(bool on);
 
     // Waits until there is input, the output is gone, a message has come for the thread, the stop event is
-    // set or the time has passed, whichever is first.
+    // set or the time has passed, whichever is first. True: it was what the pause was for.
     enum class Until { Time, Input, OutputGone };
-    void Pause(Until what, DWORD milliseconds);
+    bool Pause(Until what, DWORD milliseconds);
 
   private:
     struct ByteRead : OverlappedCall {

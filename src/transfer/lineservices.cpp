@@ -63,8 +63,13 @@ void ServeMessages(TRANSFER& transfer) {
 }
 
 void xfPump(TRANSFER& transfer, Until what, DWORD milliseconds) {
-    transfer.lpLine->Pause(what, std::min(milliseconds, longestPump));
-    ServeMessages(transfer);
+    const bool came = transfer.lpLine->Pause(what, std::min(milliseconds, longestPump));
+    const DWORD now = GetTickCount();
+    // Not for each byte of a busy line.
+    if (!came || now - transfer.dwMessagesServed >= longestPump) {
+        ServeMessages(transfer);
+        transfer.dwMessagesServed = now;
+    }
     LeaveIfGone(transfer);
 }
 

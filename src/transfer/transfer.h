@@ -52,8 +52,9 @@ struct TRANSFER {
     int nDialogType = 0;
     DCB dcbSaved = {};
     int nDirection = XferNone;
-    LONG lFileSize = 0;     // bytes of the current file, or UnknownFileSize
-    DWORD dwStartTicks = 0; // at the start of the file
+    LONG lFileSize = 0;         // bytes of the current file, or UnknownFileSize
+    DWORD dwStartTicks = 0;     // at the start of the file
+    DWORD dwMessagesServed = 0; // ticks, when the thread last looked at its messages
     COMCTL* lpComCtl = nullptr;
     WorkerLine* lpLine = nullptr;
     char szObjectName[NameSize] = {}; // for the log
