@@ -2,7 +2,6 @@
 #include "services.h"
 
 #include "core/deadline.h"
-#include "core/live.h"
 #include "core/portworker.h"
 #include "diagnostics/wiretap.h"
 #include "TarnComm.h"
@@ -16,11 +15,6 @@ using Until = WorkerLine::Until;
 constexpr DWORD longestPump = 50;        // ms
 constexpr DWORD longestWaitSlice = 1000; // ms
 constexpr DWORD flushLimit = 10000;      // ms
-
-void LeaveIfGone(const TRANSFER& transfer) {
-    if (RecordOf(transfer.hWnd) != transfer.lpComCtl)
-        throw WorkerLeaves();
-}
 
 bool IsStopped(const TRANSFER& transfer) {
     return WaitForSingleObject(transfer.hStop, 0) != WAIT_TIMEOUT;

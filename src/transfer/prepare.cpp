@@ -5,8 +5,6 @@
 #include "Tc-xfer.h"
 #include "xferpath.h"
 
-#include "core/live.h"
-
 #include <cstdio>
 
 namespace {
@@ -18,8 +16,7 @@ void Prepare(TRANSFER& transfer, std::string& source, std::string& dest) {
     names.lpSource = &source;
     names.lpDest = &dest;
     xfRequest(transfer.hWnd, Request_PrepareFile, reinterpret_cast<LPARAM>(&names));
-    if (RecordOf(transfer.hWnd) != transfer.lpComCtl)
-        throw WorkerLeaves();
+    LeaveIfGone(transfer);
 }
 
 void ShowTitle(const TRANSFER& transfer, const char* szVerb, const std::string& name) {

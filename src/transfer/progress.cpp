@@ -14,8 +14,7 @@ namespace {
 // Makes a request, and leaves the thread if the object went away in it.
 LRESULT Request(const TRANSFER& transfer, int nCode, LPARAM lParam) {
     const LRESULT result = xfRequest(transfer.hWnd, nCode, lParam);
-    if (RecordOf(transfer.hWnd) != transfer.lpComCtl)
-        throw WorkerLeaves();
+    LeaveIfGone(transfer);
     return result;
 }
 
@@ -42,6 +41,11 @@ int Percent(LONG cbDone, LONG cbFile) {
 }
 
 } // namespace
+
+void LeaveIfGone(const TRANSFER& transfer) {
+    if (RecordOf(transfer.hWnd) != transfer.lpComCtl)
+        throw WorkerLeaves();
+}
 
 int xfGetAbort(TRANSFER& transfer) {
     return transfer.lpComCtl ? transfer.lpComCtl->bAbortTransfer.load() : 1;

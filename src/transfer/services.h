@@ -6,6 +6,9 @@
 
 #include <string>
 
+// What each of them does after a call that may have run the host.
+void LeaveIfGone(const TRANSFER& transfer);
+
 // Abort: asked for by the host, by the user, or by a service that found the port closed.
 int xfGetAbort(TRANSFER& transfer);
 void xfSetAbort(TRANSFER& transfer, int bAbort);

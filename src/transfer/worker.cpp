@@ -149,6 +149,12 @@ void MakeDialog(TRANSFER& transfer, OwnerLock& owner) {
         OpenStatusDialog(transfer);
 }
 
+void CloseDialog(TRANSFER& transfer) {
+    if (transfer.hDlg)
+        RequestOnWindow(transfer, Request_DestroyDialog, reinterpret_cast<LPARAM>(transfer.hDlg));
+    transfer.hDlg = nullptr;
+}
+
 bool IsModemProtocol(int nProtocol) {
     return nProtocol >= Protocol_XModemChecksum && nProtocol <= Protocol_ZModem;
 }
@@ -200,9 +206,7 @@ int RunWithPort(TRANSFER& transfer, TransferPort& port) {
     transfer.bFinishing = 1;
     xfFlushOutput(transfer);
     port.Restore();
-    if (transfer.hDlg)
-        RequestOnWindow(transfer, Request_DestroyDialog, reinterpret_cast<LPARAM>(transfer.hDlg));
-    transfer.hDlg = nullptr;
+    CloseDialog(transfer);
     return bError || bAborted;
 }
 
@@ -236,8 +240,7 @@ void RunTransferToItsEnd(TRANSFER& transfer) {
         throw;
     } catch (...) {
         SwallowException("TransferThread");
-        if (transfer.hDlg)
-            RequestOnWindow(transfer, Request_DestroyDialog, reinterpret_cast<LPARAM>(transfer.hDlg));
+        CloseDialog(transfer);
         xfRequest(transfer.hWnd, Request_FailTransfer, 0);
     }
 }

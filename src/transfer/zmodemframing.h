@@ -9,6 +9,9 @@
 #include <array>
 #include <cstdint>
 
+// A position as headers carry it: four bytes, low one first. StoreHeader is the reverse.
+LONG ReadPosition(const unsigned char* lpBytes);
+
 using ZHeader = std::array<unsigned char, 16>; // four bytes are used but in the kinds with a length
 
 class ZModemFraming {

@@ -22,11 +22,6 @@ constexpr bool IsLost(int c) {
     return c == ReadTimeout || c == NoCarrier;
 }
 
-LONG PositionOf(const ZHeader& header) {
-    return static_cast<LONG>(static_cast<uint32_t>(header[0]) | static_cast<uint32_t>(header[1]) << 8 |
-                             static_cast<uint32_t>(header[2]) << 16 | static_cast<uint32_t>(header[3]) << 24);
-}
-
 } // namespace
 
 // How a frame is read, and what is logged where it breaks off: before, the value, after, the number of the
@@ -259,7 +254,7 @@ struct ZModemFraming::HeaderSearch {
         // Kept so: the byte just after the header's own stays. Test: ZModemHeader.TheByteAfterTheHeaderStays
         const auto from = std::min(framing.Rxhdr.size(), static_cast<size_t>(framing.Rxhlen) + 1);
         std::fill(framing.Rxhdr.begin() + static_cast<std::ptrdiff_t>(from), framing.Rxhdr.end(), '\0');
-        framing.Rxpos = PositionOf(framing.Rxhdr);
+        framing.Rxpos = ReadPosition(framing.Rxhdr.data());
         return End(type);
     }
 

@@ -10,13 +10,6 @@ constexpr int headerLength = 4;
 constexpr int lineFeedOfHex = ascii::LF | 0x80; // the end of a hex header
 constexpr int XON = ascii::DC1;
 
-LONG PositionOf(const ZHeader& header) {
-    uint32_t position = 0;
-    for (size_t i = headerLength; i-- > 0;)
-        position = position << 8 | header[i];
-    return static_cast<LONG>(position);
-}
-
 void PutHex(ModemLine& line, int c) {
     constexpr char digits[] = "0123456789abcdef";
     line.PutRaw(digits[c >> 4 & 15]);
@@ -25,6 +18,13 @@ void PutHex(ModemLine& line, int c) {
 
 } // namespace
 
+LONG ReadPosition(const unsigned char* lpBytes) {
+    uint32_t position = 0;
+    for (size_t i = headerLength; i-- > 0;)
+        position = position << 8 | lpBytes[i];
+    return static_cast<LONG>(position);
+}
+
 void ZModemFraming::StoreHeader(LONG position) {
     for (size_t i = 0; i < headerLength; ++i)
         Txhdr[i] = static_cast<unsigned char>(static_cast<uint32_t>(position) >> 8 * i);
@@ -32,7 +32,7 @@ void ZModemFraming::StoreHeader(LONG position) {
 
 void ZModemFraming::SendHexHeader(int type) {
     line_.Log("Sending hex header: %d %s %lx", headerLength, FrameName(type),
-              static_cast<unsigned long>(static_cast<uint32_t>(PositionOf(Txhdr))));
+              static_cast<unsigned long>(static_cast<uint32_t>(ReadPosition(Txhdr.data()))));
     for (const int c : {ZPAD, ZPAD, ZDLE, static_cast<int>(ZHEX)})
         line_.PutRaw(c);
     Crc32t = 0;
@@ -70,7 +70,7 @@ void ZModemFraming::SendHeaderBytes(ZFrameCharacter kind, int type) {
 
 void ZModemFraming::SendBinaryHeader(int type) {
     line_.Log("Send binary header: %d %s %ld", headerLength, FrameName(type),
-              static_cast<long>(PositionOf(Txhdr)));
+              static_cast<long>(ReadPosition(Txhdr.data())));
     if (type == ZDATA)
         for (int i = 0; i < Znulls; ++i)
             line_.PutRaw(ascii::NUL);

@@ -33,12 +33,6 @@ OfferAnswer MeaningOf(int header) {
     return OfferAnswer::Strange;
 }
 
-LONG Position(const unsigned char* lpBytes) {
-    const DWORD value = lpBytes[0] | static_cast<DWORD>(lpBytes[1]) << 8 |
-                        static_cast<DWORD>(lpBytes[2]) << 16 | static_cast<DWORD>(lpBytes[3]) << 24;
-    return static_cast<LONG>(value);
-}
-
 } // namespace
 
 int ZModemSender::SendZFile(const char* lpHeader, int cbHeader) {
@@ -108,7 +102,7 @@ bool ZModemSender::AnswerChecksum() {
     if (Fruitless())
         return false;
     const LONG count = framing_.Rxpos;
-    const LONG start = Position(&framing_.Rxhdr[checksumStartByte]);
+    const LONG start = ReadPosition(&framing_.Rxhdr[checksumStartByte]);
     if (askedCount_ != count || start != -1) {
         askedCount_ = count;
         checksum_ = FileChecksum(start, count);
