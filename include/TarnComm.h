@@ -26,9 +26,9 @@
  * to the control that owns the object. A host may close the port or destroy the object inside an event.
  *
  * Waits. Functions that wait (ComPause, WaitForInput, FlushInputBuffer, FlushOutputBuffer, GetLineInput,
- * InputUntilLookUp, DiscardUntilLookUp, WaitUntilTransferIsFinished) run the thread's messages meanwhile, so
- * events come during them. GetBusy tells that a wait runs; GetInput, InputUntilLookUp and DestroyCommObject
- * refuse to work then.
+ * InputUntilLookUp, DiscardUntilLookUp, WaitUntilTransferIsFinished, the modem's and tarnbasWaitFor) run the
+ * thread's messages meanwhile, so events come during them. GetBusy tells that a wait runs; GetInput,
+ * InputUntilLookUp and DestroyCommObject refuse to work then.
  *
  * Units. Times are milliseconds, sizes bytes. Booleans are 32-bit integers, everything but 0 is true. Text is
  * 8-bit and ends with a NUL. A size that is given with a buffer is the buffer's whole size.
@@ -620,6 +620,106 @@ TARN_IMPORT int TARNAPI TimerExpired(struct TRANSFER* lpTransfer, DWORD dwDeadli
  * items; the dialog's user word is the transfer. */
 TARN_IMPORT INT_PTR TARNAPI DlgProc(HWND hDialog, UINT message, WPARAM wParam, LPARAM lParam);
 
+/* ---- Modem --------------------------------------------------------------------------------------------- */
+
+/* A modem at the open port, driven by the commands that Dennis Hayes's Smartmodem of 1981 began with ("AT").
+ * All of these wait, for words of the modem and between commands; a wait that runs already (GetBusy) makes
+ * them find no word, and SetShutDown ends them. An object that is destroyed meanwhile ends them too. */
+
+/* How the modem is driven: seven fields, each closed by a tab but the last: title, set-up, tone prefix, pulse
+ * prefix, answer set-up, hang-up, line speed (kept, not read). Up to TARN_MODEM_OPTIONS_SIZE - 2 characters
+ * are taken. Every character outside of 32 to 127 ends a field as a tab does, and an empty field is the last
+ * that counts. "Hayes Compatible\tATX4E1V1S7=60&C1^M\tATDT\tATDP\tATS0=2^M\t~~+++~~ATH0^M\t14400" suits most
+ * modems; a new object has no options. */
+#define TARN_MODEM_OPTIONS_SIZE 200
+TARN_IMPORT void TARNAPI SetModemOptions(HWND hWnd, const char* szOptions);
+
+/* Writes the fields with a tab behind each and no NUL at the end, TARN_MODEM_OPTIONS_SIZE bytes at the most.
+ * Returns the count of bytes; without options it is 1, a tab. */
+TARN_IMPORT int TARNAPI GetModemOptions(HWND hWnd, char* lpBuffer);
+
+/* Add the known modems to a list box or a combo box: "Hayes Compatible", then the names in MODEM.LST, whose
+ * items have their places in that file, from 1, as item data; the item that begins with the title of the
+ * options is selected. MODEM.LST is taken from the folder of this module, of the program, of Windows or of
+ * the system: a line of up to 199 characters for each modem, ended by CR LF, its fields as in
+ * SetModemOptions; an empty line ends the list. Return 1, or 0 if there is no such file. */
+TARN_IMPORT int TARNAPI FillListWithModemNames(HWND hWnd, HWND hListBox);
+TARN_IMPORT int TARNAPI FillComboWithModemNames(HWND hWnd, HWND hComboBox);
+
+/* Sends a command 200 ms after the call. "^" and a character is a control character, so "^M" is a carriage
+ * return; "~" is a pause of a second. A byte that can't be sent ends the sending, not the pauses. Returns 1
+ * if every byte went out. */
+TARN_IMPORT int TARNAPI OutputModem(HWND hWnd, const char* szCommand);
+
+/* Waits up to 8 seconds for "OK" or "ERROR". Returns 1 for "OK". */
+TARN_IMPORT int TARNAPI WaitForOk(HWND hWnd);
+
+/* Sends "AT" and waits for "OK": is there a modem? InitModem hangs up and sets the modem up by the set-up
+ * field; InitModemForAnswer sends the answer set-up too, after which the modem answers calls by itself. Each
+ * returns 1 when the modem said "OK". */
+TARN_IMPORT int TARNAPI CheckModem(HWND hWnd);
+TARN_IMPORT int TARNAPI InitModem(HWND hWnd);
+TARN_IMPORT int TARNAPI InitModemForAnswer(HWND hWnd);
+
+/* Throws waiting input away, sends the prefix of the dial mode, the number as it stands and a carriage
+ * return, and waits for the modem's word, SetDialTimeOut ms at the most. Returns TARN_DIAL_...; the speed
+ * that the modem tells behind "CONNECT" is left in the input. 0 for a dead object, too. */
+#define TARN_DIAL_CONNECTED 0    /* "CONNECT" */
+#define TARN_DIAL_NO_CARRIER 1   /* "NO CARRIER" */
+#define TARN_DIAL_NO_DIAL_TONE 2 /* "NO DIALTONE" */
+#define TARN_DIAL_BUSY 3         /* "BUSY" */
+#define TARN_DIAL_TIMED_OUT 4    /* none of them in time; the modem was stopped */
+#define TARN_DIAL_CANCELLED 5    /* by HangUp */
+TARN_IMPORT int TARNAPI Dial(HWND hWnd, const char* szNumber);
+
+/* The dial mode, TARN_DIAL_TONE (the default) or TARN_DIAL_PULSE; the limit of a dialing attempt in ms,
+ * 30000 at first. */
+#define TARN_DIAL_TONE 0
+#define TARN_DIAL_PULSE 1
+TARN_IMPORT void TARNAPI SetDialMode(HWND hWnd, int nDialMode);
+TARN_IMPORT int TARNAPI GetDialMode(HWND hWnd);
+TARN_IMPORT void TARNAPI SetDialTimeOut(HWND hWnd, LONG lTimeOut);
+TARN_IMPORT LONG TARNAPI GetDialTimeOut(HWND hWnd);
+
+/* Ends a Dial that waits (call it in an event or a message then), or a call: by dropping DTR for 200 ms, and
+ * if the carrier stays, by the hang-up command. Returns 1 when the line is down: at once without a carrier,
+ * when the modem said "OK" to the command, or when a Dial was told to stop. */
+TARN_IMPORT int TARNAPI HangUp(HWND hWnd);
+
+/* As HangUp, but doesn't wait for the answer to the command, drops and raises DTR whatever SetDTR says, and
+ * ends no Dial. Returns 1 when there is no carrier. */
+TARN_IMPORT int TARNAPI Disconnect(HWND hWnd);
+
+/* ---- For BASIC interpreters ---------------------------------------------------------------------------- */
+
+/* The same work for a language whose strings and buffers are addresses. Each does nothing for a null handle;
+ * those that return a number return -1 then, and for a null buffer or list. */
+
+/* Text on the terminal; the screen cleared; the colours, 0 to 15 each. */
+TARN_IMPORT void TARNAPI tarnbasPrint(HWND hWnd, const char* szText);
+TARN_IMPORT void TARNAPI tarnbasClearScreen(HWND hWnd);
+TARN_IMPORT void TARNAPI tarnbasColor(HWND hWnd, int nForeground, int nBackground);
+
+/* Dial. lpResult, 13 bytes or more, takes "" for a call, "No Dial Tone", "Busy", "Time Out" or "No Carrier".
+ */
+TARN_IMPORT void TARNAPI tarnbasDial(HWND hWnd, const char* szNumber, char* lpResult);
+TARN_IMPORT void TARNAPI tarnbasHangUp(HWND hWnd);
+
+/* GetInput of up to cbBuffer - 1 bytes, with a NUL behind them. Returns the count of bytes. */
+TARN_IMPORT int TARNAPI tarnbasInput(HWND hWnd, char* lpBuffer, int cbBuffer);
+
+/* GetLineInput of up to 4 characters: a longer line comes in pieces. lpBuffer has 5 bytes or more. Returns
+ * the length. */
+TARN_IMPORT int TARNAPI tarnbasLineInput(HWND hWnd, char* lpBuffer);
+
+/* OutputModem: "^" and "~" have their meaning here too. */
+TARN_IMPORT void TARNAPI tarnbasSend(HWND hWnd, const char* szText);
+
+/* DiscardUntilLookUp for a list of up to 1024 bytes whose strings are separated by the first character of
+ * szSeparator, lTimeOut ms at the most. The time-out stays, as by SetLookUpTimeOut. Returns the index of the
+ * string that came, or -1. */
+TARN_IMPORT int TARNAPI tarnbasWaitFor(HWND hWnd, const char* szList, const char* szSeparator, LONG lTimeOut);
+
 /* ---- Settings of the object that other functions read -------------------------------------------------- */
 
 /* Limit of GetLineInput, in ms. */
@@ -641,12 +741,6 @@ TARN_IMPORT int TARNAPI GetCommEcho(HWND hWnd);
 /* React to a ZModem start sequence in the input of automatic processing; on by default. */
 TARN_IMPORT void TARNAPI SetAutoZModem(HWND hWnd, int bAutoZModem);
 TARN_IMPORT int TARNAPI GetAutoZModem(HWND hWnd);
-
-/* Dialing: 0 tone, 1 pulse; the limit of a dialing attempt in ms. */
-TARN_IMPORT void TARNAPI SetDialMode(HWND hWnd, int nDialMode);
-TARN_IMPORT int TARNAPI GetDialMode(HWND hWnd);
-TARN_IMPORT void TARNAPI SetDialTimeOut(HWND hWnd, LONG lTimeOut);
-TARN_IMPORT LONG TARNAPI GetDialTimeOut(HWND hWnd);
 
 /* Words that the object keeps for its host and never reads. */
 TARN_IMPORT void TARNAPI SetCommLong(HWND hWnd, LONG lValue);

@@ -39,6 +39,8 @@ list_ports() {
     echo "6 $wine_line/b"
     echo "7 $wine_line"         # a folder: access denied
     echo "8 $wine_line/nowhere/port" # opens, and the device refuses every call; COM9 is not there
+    echo "11 $wine_line/phone/a0" # two modems, see start_modems
+    echo "12 $wine_line/phone/a1"
 }
 
 print_registry() {

@@ -1,4 +1,6 @@
 // Modem signals and the break, in and out.
+#include "portsignals.h"
+
 #include "live.h"
 #include "portstate.h"
 #include "portstatus.h"
@@ -14,6 +16,10 @@ int SignalIsOn(HWND hWnd, DWORD bit) {
 
 } // namespace
 
+void DriveDTR(const COMCTL& record, bool on) {
+    EscapeCommFunction(record.hComm, on ? SETDTR : CLRDTR);
+}
+
 void TARNAPI SetDTR(HWND hWnd, int bDTR) {
     BehindWall("SetDTR", [&] {
         COMCTL* record = RecordOf(hWnd);
@@ -21,7 +27,7 @@ void TARNAPI SetDTR(HWND hWnd, int bDTR) {
             return;
         record->bDTR = bDTR;
         RebuildDeviceState(*record, Speed::Leave);
-        EscapeCommFunction(record->hComm, bDTR ? SETDTR : CLRDTR);
+        DriveDTR(*record, bDTR);
     });
 }
 

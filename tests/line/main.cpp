@@ -1,41 +1,17 @@
 // tarnline: virtual null-modem cables between pairs of ptys. README.md tells how to use it.
 #include "commands.h"
 #include "control.h"
+#include "daemon.h"
 #include "options.h"
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <sys/epoll.h>
 #include <sys/prctl.h>
-#include <sys/signalfd.h>
-#include <system_error>
 
 namespace {
-
-namespace fs = std::filesystem;
-
-// The file that says "ready" and where: written aside and moved, so that a reader never sees half of it.
-class ControlFile {
-  public:
-    ControlFile(const fs::path& folder, int port) : path_(folder / "control") {
-        const fs::path fresh = folder / "control.new";
-        std::ofstream(fresh) << port << '\n';
-        fs::rename(fresh, path_);
-    }
-    ~ControlFile() {
-        std::error_code ignored;
-        fs::remove(path_, ignored);
-    }
-    ControlFile(const ControlFile&) = delete;
-    ControlFile& operator=(const ControlFile&) = delete;
-
-  private:
-    fs::path path_;
-};
 
 // Keeps the loop's files in step with the ptys, which come and go by command.
 class PtyWatch {
@@ -74,22 +50,6 @@ class PtyWatch {
     std::vector<int> watched_;
 };
 
-UniqueFd EndSignals() {
-    sigset_t set;
-    sigemptyset(&set);
-    for (const int number : {SIGTERM, SIGINT, SIGHUP})
-        sigaddset(&set, number);
-    sigprocmask(SIG_BLOCK, &set, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
-    return UniqueFd(signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC));
-}
-
-// False if the parent had gone before it could be watched.
-bool FollowParent(pid_t parent) {
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-    return getppid() == parent;
-}
-
 void MakeWires(const Options& options, Wires& wires) {
     for (unsigned i = 0; i < options.cables; i++) {
         const std::string suffix = options.cables > 1 ? std::to_string(i) : "";
@@ -116,7 +76,7 @@ void SettleBeforeCommand(Wires& wires) {
 }
 
 void Run(const Options& options, int endSignal) {
-    fs::create_directories(options.folder);
+    std::filesystem::create_directories(options.folder);
     EventLoop loop;
     Wires wires;
     MakeWires(options, wires);
@@ -131,7 +91,7 @@ void Run(const Options& options, int endSignal) {
     });
     bool stop = false;
     loop.Add(endSignal, EPOLLIN, [&stop](std::uint32_t) { stop = true; });
-    const ControlFile ready(options.folder, control.Port());
+    const ControlFile ready(options.folder, "control", control.Port());
     while (!stop)
         loop.RunOnce(PumpAll(wires));
 }
