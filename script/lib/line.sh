@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # The virtual line of the current prefix, and the modems at it: `use_wine` comes first, its lock is held. Sets $line and
-# $modems to the processes.
+# $exchange to the processes.
 
 line_limit=100 # tenths of a second for a program of the lab to be ready
 
@@ -42,15 +42,19 @@ start_line() {
 # that with the second.
 modem_numbers=(5551001 5551002)
 start_modems() {
+    local number numbers=()
+    for number in "${modem_numbers[@]}"; do
+        numbers+=(--number "$number")
+    done
     wine_line+=/phone
     start_line "${#modem_numbers[@]}" || return
-    start_tool modem/tarnmodem "$wine_line/modems" --line "$wine_line" "${modem_numbers[@]/#/--number=}" || return
-    modems=$tool
+    start_tool modem/tarnmodem "$wine_line/modems" --line "$wine_line" "${numbers[@]}" || return
+    exchange=$tool
 }
 
 end_line() {
     local process
-    for process in ${modems:-} ${line:-}; do
+    for process in ${exchange:-} ${line:-}; do
         kill "$process" 2>/dev/null || true
         wait "$process" 2>/dev/null || true
     done

@@ -61,8 +61,10 @@ class ModuleElsewhere : public testing::Test {
     // The names that the module puts in a list box.
     std::vector<std::string> Names(int expectedResult) {
         const HWND object = Get<decltype(CreateCommObject)>("CreateCommObject")(nullptr);
-        const HWND box = CreateWindowA("LISTBOX", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-        EXPECT_EQ(Get<decltype(FillListWithModemNames)>("FillListWithModemNames")(object, box), expectedResult);
+        const HWND box =
+            CreateWindowA("LISTBOX", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+        EXPECT_EQ(Get<decltype(FillListWithModemNames)>("FillListWithModemNames")(object, box),
+                  expectedResult);
         std::vector<std::string> names;
         const LRESULT count = SendMessageA(box, LB_GETCOUNT, 0, 0);
         for (LRESULT i = 0; i < count; ++i) {
@@ -109,8 +111,8 @@ TEST_F(ModuleElsewhere, OthersMayReadTheListMeanwhile) {
 
 TEST(ModemListOfThePackage, ShowsItsModems) {
     const HWND object = CreateCommObject(nullptr);
-    const HWND box = CreateWindowA("COMBOBOX", "", WS_POPUP | CBS_DROPDOWNLIST, 0, 0, 9, 9, nullptr, nullptr, nullptr,
-                                   nullptr);
+    const HWND box = CreateWindowA("COMBOBOX", "", WS_POPUP | CBS_DROPDOWNLIST, 0, 0, 9, 9, nullptr, nullptr,
+                                   nullptr, nullptr);
     EXPECT_EQ(FillComboWithModemNames(object, box), 1);
     EXPECT_GT(SendMessageA(box, CB_GETCOUNT, 0, 0), 30);
     DestroyWindow(box);

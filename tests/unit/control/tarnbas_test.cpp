@@ -30,7 +30,8 @@ struct ColorCase {
 };
 
 TEST_F(Basic, ColorTakesFourBitsOfEach) {
-    const ColorCase cases[] = {{7, 1, 0x17}, {15, 15, 0xFF}, {0, 0, 0}, {16, 17, 0x10}, {-1, 0, 0x0F}, {0, -2, 0xE0}};
+    const ColorCase cases[] = {{7, 1, 0x17},   {15, 15, 0xFF}, {0, 0, 0},
+                               {16, 17, 0x10}, {-1, 0, 0x0F},  {0, -2, 0xE0}};
     for (const ColorCase& row : cases) {
         tarnbasColor(object, row.foreground, row.background);
         EXPECT_EQ(GetColor(object), row.color) << row.foreground << ' ' << row.background;
@@ -45,8 +46,11 @@ struct DialCase {
 TEST_F(Basic, DialGivesWords) {
     OpenWithoutCarrier();
     SetDialTimeOut(object, 300);
-    const DialCase cases[] = {{"CONNECT", ""},       {"NO DIALTONE", "No Dial Tone"}, {"BUSY", "Busy"},
-                              {"NO CARRIER", "No Carrier"}, {"nothing", "Time Out"}};
+    const DialCase cases[] = {{"CONNECT", ""},
+                              {"NO DIALTONE", "No Dial Tone"},
+                              {"BUSY", "Busy"},
+                              {"NO CARRIER", "No Carrier"},
+                              {"nothing", "Time Out"}};
     for (const DialCase& row : cases) {
         Forget();
         const auto answer = Answer("12\r", row.word);
@@ -60,7 +64,7 @@ TEST_F(Basic, DialGivesWords) {
 
 TEST_F(Basic, CancelledDialIsNoCarrier) {
     OpenWithoutCarrier();
-    const auto cancel = After(400, [&] { tarnbasHangUp(object); });
+    const auto cancel = host::After(400, [&] { tarnbasHangUp(object); });
     char text[13] = "";
     tarnbasDial(object, "12", text);
     EXPECT_STREQ(text, "No Carrier");
@@ -129,9 +133,12 @@ struct WaitCase {
 TEST_F(Basic, WaitForFindsTheStringThatCame) {
     Open();
     const WaitCase cases[] = {
-        {"...login: ", "password:|login:", "|", 1}, {"password:", "password:|login:", "|or", 0},
-        {"a|b", "a|b", "", 0},                      {"a|b", "a|b", nullptr, 0},
-        {"nothing", "one,two", ",", -1},            {"anything", "", "|", -1},
+        {"...login: ", "password:|login:", "|", 1},
+        {"password:", "password:|login:", "|or", 0},
+        {"a|b", "a|b", "", 0},
+        {"a|b", "a|b", nullptr, 0},
+        {"nothing", "one,two", ",", -1},
+        {"anything", "", "|", -1},
         {"two", "|two", "|", -1}, // an empty string ends the list
     };
     for (const WaitCase& row : cases) {

@@ -29,7 +29,7 @@ TEST_F(ModemHangUp, WithoutCarrierThereIsNothingToDo) {
     const host::Clock clock;
     EXPECT_EQ(HangUp(object), 1);
     EXPECT_EQ(Disconnect(object), 1);
-    EXPECT_LT(clock.Gone(), 100u);
+    EXPECT_LT(clock.Gone(), 1000u);
     host::Pump(50);
     EXPECT_EQ(Heard(), "");
     EXPECT_TRUE(DtrIsUp());
@@ -49,7 +49,7 @@ TEST_F(ModemHangUp, DropsDtrFor200Milliseconds) {
         const host::Clock clock;
         EXPECT_EQ(function(object), 1);
         EXPECT_GE(clock.Gone(), 190u);
-        EXPECT_LT(clock.Gone(), 500u);
+        EXPECT_LT(clock.Gone(), 1200u);
         EXPECT_TRUE(drop.fell);
         EXPECT_TRUE(DtrIsUp());
         EXPECT_EQ(Heard(), "");
@@ -61,7 +61,7 @@ TEST_F(ModemHangUp, PutsDtrBackAsItWas) {
     SetDTR(object, 0);
     Open();
     EXPECT_FALSE(DtrIsUp());
-    const auto off = After(100, [&] { cable.Carrier('a', "off"); });
+    const auto off = host::After(100, [&] { cable.Carrier('a', "off"); });
     EXPECT_EQ(HangUp(object), 1);
     EXPECT_EQ(GetDTR(object), 0);
     EXPECT_FALSE(DtrIsUp());
@@ -70,7 +70,7 @@ TEST_F(ModemHangUp, PutsDtrBackAsItWas) {
 TEST_F(ModemHangUp, DisconnectRaisesDtrWhateverItWas) {
     SetDTR(object, 0);
     Open();
-    const auto off = After(100, [&] { cable.Carrier('a', "off"); });
+    const auto off = host::After(100, [&] { cable.Carrier('a', "off"); });
     EXPECT_EQ(Disconnect(object), 1);
     EXPECT_EQ(GetDTR(object), 0) << "the field";
     EXPECT_TRUE(DtrIsUp()) << "the line";
@@ -84,7 +84,7 @@ TEST_F(ModemHangUp, CarrierThatStaysGetsTheCommand) {
     EXPECT_TRUE(GetCarrier(object));
     EXPECT_EQ(Heard(), "+++ATH0\r");
     EXPECT_GE(clock.Gone(), 4300u) << "DTR, the rest, two seconds on each side of the escape";
-    EXPECT_LT(clock.Gone(), 5500u);
+    EXPECT_LT(clock.Gone(), 8000u);
 }
 
 struct EndCase {
@@ -118,7 +118,7 @@ TEST_F(ModemHangUp, DisconnectDoesNotWaitForTheAnswer) {
     const host::Clock clock;
     EXPECT_EQ(Disconnect(object), 0) << "the carrier is still there";
     EXPECT_GE(clock.Gone(), 390u);
-    EXPECT_LT(clock.Gone(), 900u);
+    EXPECT_LT(clock.Gone(), 1100u);
     host::Pump(50);
     EXPECT_EQ(Heard(), "ATH\r");
 }
@@ -141,7 +141,7 @@ TEST_F(ModemHangUp, ObjectMayGoMeanwhile) {
             SetCommPort(other, host::nearPort);
             ASSERT_TRUE(SetPortOpen(other, 1, nullptr));
             ASSERT_TRUE(GetCarrier(other));
-            const auto destroy = After(when, [&] { DestroyWindow(other); });
+            const auto destroy = host::After(when, [&] { DestroyWindow(other); });
             EXPECT_EQ(function(other), 0) << when;
             EXPECT_FALSE(IsWindow(other));
             cable.Reset();
@@ -152,7 +152,7 @@ TEST_F(ModemHangUp, InsideAnotherWaitTheCarrierDecides) {
     SetModemOptions(object, "Quick\tATZ\tATDT\tATDP\tATA\tATH^M");
     Open();
     int hungUp = -1;
-    const auto inside = After(50, [&] { hungUp = HangUp(object); });
+    const auto inside = host::After(50, [&] { hungUp = HangUp(object); });
     ComPause(object, 1500);
     EXPECT_EQ(hungUp, 0) << "no answer can be awaited there";
     EXPECT_EQ(Heard(), "ATH\r");

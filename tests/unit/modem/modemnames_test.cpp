@@ -39,8 +39,8 @@ struct Kind {
 const Kind kinds[] = {
     {"ListBox", "LISTBOX", 0, LBS_SORT, LB_GETCOUNT, LB_GETTEXT, LB_GETITEMDATA, LB_GETCURSEL,
      FillListWithModemNames},
-    {"ComboBox", "COMBOBOX", CBS_DROPDOWNLIST, CBS_SORT, CB_GETCOUNT, CB_GETLBTEXT, CB_GETITEMDATA, CB_GETCURSEL,
-     FillComboWithModemNames},
+    {"ComboBox", "COMBOBOX", CBS_DROPDOWNLIST, CBS_SORT, CB_GETCOUNT, CB_GETLBTEXT, CB_GETITEMDATA,
+     CB_GETCURSEL, FillComboWithModemNames},
 };
 
 constexpr LRESULT noItem = -1;
@@ -52,8 +52,8 @@ class ModemNames : public testing::TestWithParam<Kind> {
 
     void MakeControl(DWORD moreStyle) {
         DestroyWindow(control);
-        control = CreateWindowA(GetParam().windowClass, "", WS_POPUP | GetParam().style | moreStyle, 0, 0, 200, 200,
-                                nullptr, nullptr, nullptr, nullptr);
+        control = CreateWindowA(GetParam().windowClass, "", WS_POPUP | GetParam().style | moreStyle, 0, 0,
+                                200, 200, nullptr, nullptr, nullptr, nullptr);
         ASSERT_NE(control, nullptr);
     }
     int Fill() { return GetParam().fill(object, control); }
@@ -155,7 +155,8 @@ TEST_P(ModemNames, BadHandlesGiveNothing) {
 LRESULT CALLBACK DestroyOnName(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == LB_ADDSTRING || message == CB_ADDSTRING)
         DestroyWindow(reinterpret_cast<HWND>(GetPropA(window, "object")));
-    return CallWindowProcA(reinterpret_cast<WNDPROC>(GetPropA(window, "procedure")), window, message, wParam, lParam);
+    return CallWindowProcA(reinterpret_cast<WNDPROC>(GetPropA(window, "procedure")), window, message, wParam,
+                           lParam);
 }
 
 TEST_P(ModemNames, HostMayDestroyTheObjectMeanwhile) {
