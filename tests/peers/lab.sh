@@ -68,6 +68,14 @@ line_says() {
 
 # ---- A case ----
 
+lay_cable() {
+    start_line 1
+    line_says "transcript $folder/transcript"
+    stty -F "$far_tty" raw -echo
+}
+
+lay_case=lay_cable # what each case begins with
+
 # Runs a case by itself, so that what fails in it ends it and no more: run_case NAME COMMAND...
 run_case() {
     local name=$1 start=$EPOCHREALTIME
@@ -85,9 +93,7 @@ run_case() {
         trap leave_lab EXIT
         step=$folder/step
         set_step "laying the line"
-        start_line 1
-        line_says "transcript $folder/transcript"
-        stty -F "$far_tty" raw -echo
+        "$lay_case"
         "$@"
     ) &
     wait $! || result=$?
