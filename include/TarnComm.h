@@ -26,9 +26,9 @@
  * to the control that owns the object. A host may close the port or destroy the object inside an event.
  *
  * Waits. Functions that wait (ComPause, WaitForInput, FlushInputBuffer, FlushOutputBuffer, GetLineInput,
- * InputUntilLookUp, DiscardUntilLookUp, WaitUntilTransferIsFinished, the modem's and tarnbasWaitFor) run the
- * thread's messages meanwhile, so events come during them. GetBusy tells that a wait runs; GetInput,
- * InputUntilLookUp and DestroyCommObject refuse to work then.
+ * InputUntilLookUp, DiscardUntilLookUp, WaitUntilTransferIsFinished, those that talk to a modem, and those
+ * for BASIC that do the same) run the thread's messages meanwhile, so events come during them. GetBusy tells
+ * that a wait runs; GetInput, InputUntilLookUp and DestroyCommObject refuse to work then.
  *
  * Units. Times are milliseconds, sizes bytes. Booleans are 32-bit integers, everything but 0 is true. Text is
  * 8-bit and ends with a NUL. A size that is given with a buffer is the buffer's whole size.
@@ -623,14 +623,16 @@ TARN_IMPORT INT_PTR TARNAPI DlgProc(HWND hDialog, UINT message, WPARAM wParam, L
 /* ---- Modem --------------------------------------------------------------------------------------------- */
 
 /* A modem at the open port, driven by the commands that Dennis Hayes's Smartmodem of 1981 began with ("AT").
- * All of these wait, for words of the modem and between commands; a wait that runs already (GetBusy) makes
- * them find no word, and SetShutDown ends them. An object that is destroyed meanwhile ends them too. */
+ * Those that talk to it wait, for its words and between commands. A wait that runs already (GetBusy) makes
+ * them find no word, and so does a transfer, into whose line they would speak. SetShutDown ends the waits:
+ * what is still to be sent goes out without its pauses. An object that is destroyed meanwhile ends them. */
 
 /* How the modem is driven: seven fields, each closed by a tab but the last: title, set-up, tone prefix, pulse
  * prefix, answer set-up, hang-up, line speed (kept, not read). Up to TARN_MODEM_OPTIONS_SIZE - 2 characters
- * are taken. Every character outside of 32 to 127 ends a field as a tab does, and an empty field is the last
- * that counts. "Hayes Compatible\tATX4E1V1S7=60&C1^M\tATDT\tATDP\tATS0=2^M\t~~+++~~ATH0^M\t14400" suits most
- * modems; a new object has no options. */
+ * are taken. Every character outside of 32 to 127 ends a field as a tab does, and behind an empty field the
+ * functions below find no other. "Hayes
+ * Compatible\tATX4E1V1S7=60&C1^M\tATDT\tATDP\tATS0=2^M\t~~+++~~ATH0^M\t14400" suits most modems; a new object
+ * has no options. */
 #define TARN_MODEM_OPTIONS_SIZE 200
 TARN_IMPORT void TARNAPI SetModemOptions(HWND hWnd, const char* szOptions);
 
@@ -647,8 +649,8 @@ TARN_IMPORT int TARNAPI FillListWithModemNames(HWND hWnd, HWND hListBox);
 TARN_IMPORT int TARNAPI FillComboWithModemNames(HWND hWnd, HWND hComboBox);
 
 /* Sends a command 200 ms after the call. "^" and a character is a control character, so "^M" is a carriage
- * return; "~" is a pause of a second. A byte that can't be sent ends the sending, not the pauses. Returns 1
- * if every byte went out. */
+ * return; "~" is a pause of a second. A closed port ends the sending, not the pauses. Returns 1 if the
+ * port was open for every byte; bytes that a full output queue refuses are lost unnoticed. */
 TARN_IMPORT int TARNAPI OutputModem(HWND hWnd, const char* szCommand);
 
 /* Waits up to 8 seconds for "OK" or "ERROR". Returns 1 for "OK". */
@@ -661,9 +663,10 @@ TARN_IMPORT int TARNAPI CheckModem(HWND hWnd);
 TARN_IMPORT int TARNAPI InitModem(HWND hWnd);
 TARN_IMPORT int TARNAPI InitModemForAnswer(HWND hWnd);
 
-/* Throws waiting input away, sends the prefix of the dial mode, the number as it stands and a carriage
- * return, and waits for the modem's word, SetDialTimeOut ms at the most. Returns TARN_DIAL_...; the speed
- * that the modem tells behind "CONNECT" is left in the input. 0 for a dead object, too. */
+/* Throws away what waits in the driver's queues, sends the prefix of the dial mode, the number as it stands
+ * and a carriage return, and waits for the modem's word, SetDialTimeOut ms at the most. Returns
+ * TARN_DIAL_...; the speed that the modem tells behind "CONNECT" is left in the input. 0 for a dead object,
+ * too. */
 #define TARN_DIAL_CONNECTED 0    /* "CONNECT" */
 #define TARN_DIAL_NO_CARRIER 1   /* "NO CARRIER" */
 #define TARN_DIAL_NO_DIAL_TONE 2 /* "NO DIALTONE" */
@@ -683,7 +686,7 @@ TARN_IMPORT LONG TARNAPI GetDialTimeOut(HWND hWnd);
 
 /* Ends a Dial that waits (call it in an event or a message then), or a call: by dropping DTR for 200 ms, and
  * if the carrier stays, by the hang-up command. Returns 1 when the line is down: at once without a carrier,
- * when the modem said "OK" to the command, or when a Dial was told to stop. */
+ * when the carrier has gone, when the modem said "OK" to the command, or when a Dial was told to stop. */
 TARN_IMPORT int TARNAPI HangUp(HWND hWnd);
 
 /* As HangUp, but doesn't wait for the answer to the command, drops and raises DTR whatever SetDTR says, and
@@ -700,8 +703,8 @@ TARN_IMPORT void TARNAPI tarnbasPrint(HWND hWnd, const char* szText);
 TARN_IMPORT void TARNAPI tarnbasClearScreen(HWND hWnd);
 TARN_IMPORT void TARNAPI tarnbasColor(HWND hWnd, int nForeground, int nBackground);
 
-/* Dial. lpResult, 13 bytes or more, takes "" for a call, "No Dial Tone", "Busy", "Time Out" or "No Carrier".
- */
+/* Dial. lpResult, 13 bytes or more, takes "" for a call (and for a dead object), "No Dial Tone", "Busy",
+ * "Time Out" or "No Carrier". */
 TARN_IMPORT void TARNAPI tarnbasDial(HWND hWnd, const char* szNumber, char* lpResult);
 TARN_IMPORT void TARNAPI tarnbasHangUp(HWND hWnd);
 
@@ -717,7 +720,7 @@ TARN_IMPORT void TARNAPI tarnbasSend(HWND hWnd, const char* szText);
 
 /* DiscardUntilLookUp for a list of up to 1024 bytes whose strings are separated by the first character of
  * szSeparator, lTimeOut ms at the most. The time-out stays, as by SetLookUpTimeOut. Returns the index of the
- * string that came, or -1. */
+ * string that came, or -1; 0 for a dead object. */
 TARN_IMPORT int TARNAPI tarnbasWaitFor(HWND hWnd, const char* szList, const char* szSeparator, LONG lTimeOut);
 
 /* ---- Settings of the object that other functions read -------------------------------------------------- */

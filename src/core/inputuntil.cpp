@@ -117,20 +117,21 @@ int ReadUntil(COMCTL& record, const LookUpTable& table, OutputText& output) {
 } // namespace
 
 int TARNAPI InputUntilLookUp(HWND hWnd, const char* lpszList, char* lpOutput, int cbOutput) {
-    return BehindWall("InputUntilLookUp", [&]() -> int {
-        COMCTL* record = RecordOf(hWnd);
-        if (!record)
-            return objectIsGone;
+    COMCTL* record = RecordOf(hWnd);
+    if (!record)
+        return objectIsGone;
+    int found = notFound; // what a failure behind the wall gives; 0 would be a string that came
+    BehindWall("InputUntilLookUp", [&] {
         if (record->nBusy || !lpszList)
-            return notFound;
+            return;
         const LookUpTable table(lpszList);
         if (!table.Longest())
-            return notFound;
+            return;
         OutputText output(lpOutput, cbOutput);
-        const int found = ReadUntil(*record, table, output);
+        found = ReadUntil(*record, table, output);
         output.Close();
-        return found;
     });
+    return found;
 }
 
 int TARNAPI DiscardUntilLookUp(HWND hWnd, const char* lpszList) {

@@ -8,11 +8,13 @@ namespace {
 
 constexpr LONG dtrDrop = 200; // ms
 
-void StopDialing(COMCTL& record) {
+bool StopDialing(COMCTL& record) {
     const ObjectWatch watch(record);
     Output(record.hWnd, "\r", 1);
-    if (watch.Alive())
-        record.bDialCancel = 1;
+    if (watch.Gone())
+        return false;
+    record.bDialCancel = 1;
+    return true;
 }
 
 // DTR down for a while. False: the object is gone, or the carrier is.
@@ -31,10 +33,8 @@ bool CarrierOutlivesDTR(COMCTL& record) {
 } // namespace
 
 bool HangUpLine(COMCTL& record) {
-    if (record.bDialing) {
-        StopDialing(record);
-        return true;
-    }
+    if (record.bDialing)
+        return StopDialing(record);
     const ObjectWatch watch(record);
     const HWND hWnd = record.hWnd;
     if (!GetCarrier(hWnd))

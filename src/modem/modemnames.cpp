@@ -3,6 +3,7 @@
 #include "core/live.h"
 #include "modemlist.h"
 #include "modemlistfile.h"
+#include "modemoptions.h"
 
 namespace {
 
@@ -38,8 +39,8 @@ bool Fill(const COMCTL& record, HWND hControl, const ListMessages& messages) {
     if (watch.Gone())
         return false;
     constexpr auto fromTheTop = static_cast<WPARAM>(-1);
-    SendMessageA(hControl, messages.selectByPrefix, fromTheTop,
-                 reinterpret_cast<LPARAM>(record.achModemOptions));
+    const std::string title = ModemOption(record, ModemField::Title);
+    SendMessageA(hControl, messages.selectByPrefix, fromTheTop, reinterpret_cast<LPARAM>(title.c_str()));
     return true;
 }
 

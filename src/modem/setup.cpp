@@ -35,8 +35,9 @@ bool SendCommand(COMCTL& record, const std::string& command) {
 }
 
 bool AwaitOk(COMCTL& record) {
+    const ObjectWatch watch(record);
     const LookUpLimit limit(record, answerLimit);
-    return DiscardUntilLookUp(record.hWnd, answers) == indexOfOk;
+    return DiscardUntilLookUp(record.hWnd, answers) == indexOfOk && watch.Alive();
 }
 
 bool Ask(COMCTL& record, const std::string& command) {

@@ -23,10 +23,14 @@ std::string Asked(UINT(WINAPI* getFolder)(char*, UINT)) {
 // A copy of the module in a folder of its own, and no list anywhere.
 class ModuleElsewhere : public testing::Test {
   protected:
-    ModuleElsewhere() {
+    explicit ModuleElsewhere(size_t pathLength = 0) {
         char temporary[MAX_PATH] = {};
         GetTempPathA(MAX_PATH, temporary);
-        folder = std::string(temporary) + "tarn-modules\\";
+        folder = std::string(temporary) + "tarn-modules";
+        const size_t fileLength = strlen("\\LantryElsewhere.ocx");
+        if (pathLength)
+            folder.resize(pathLength - fileLength, 'x');
+        folder += "\\";
         CreateDirectoryA(folder.c_str(), nullptr);
         CopyFileA((FolderOf(GetModuleHandleA("Lantry.ocx")) + "Lantry.ocx").c_str(),
                   (folder + "LantryElsewhere.ocx").c_str(), FALSE);
@@ -82,6 +86,17 @@ class ModuleElsewhere : public testing::Test {
     std::vector<std::string> places;
 };
 
+// Paths of 255 characters are the longest that count.
+class ModuleFarAway : public ModuleElsewhere {
+  protected:
+    ModuleFarAway() : ModuleElsewhere(256) {}
+};
+
+class ModuleJustNearEnough : public ModuleElsewhere {
+  protected:
+    ModuleJustNearEnough() : ModuleElsewhere(255) {}
+};
+
 using Texts = std::vector<std::string>;
 
 TEST_F(ModuleElsewhere, TakesTheListFromTheFirstPlaceThatHasOne) {
@@ -92,6 +107,18 @@ TEST_F(ModuleElsewhere, TakesTheListFromTheFirstPlaceThatHasOne) {
         DeleteFileA(ListIn(place).c_str());
     }
     EXPECT_EQ(Names(0), Texts{"Hayes Compatible"}) << "no list anywhere";
+}
+
+TEST_F(ModuleFarAway, IsNoPlaceToLook) {
+    WriteList(places[0]);
+    EXPECT_EQ(Names(0), Texts{"Hayes Compatible"});
+}
+
+TEST_F(ModuleJustNearEnough, IsAPlaceToLook) {
+    WriteList(places[0]);
+    const std::vector<std::string> names = Names(1);
+    ASSERT_EQ(names.size(), 3u) << "the name is longer than a line";
+    EXPECT_EQ(names[1], places[0].substr(0, 199));
 }
 
 TEST_F(ModuleElsewhere, ListThatCannotBeReadIsPassedOver) {

@@ -28,32 +28,32 @@ class TelephoneWaits : public host::Telephone {
 TEST_F(TelephoneWaits, TakeWhatTheyShould) {
     const HWND object = caller.object;
     SetModemOptions(object, "Deaf\tATX4E1V1S7=60&C1&D0^M\tATDT\tATDP\tATS0=2^M\t~~+++~~ATH0^M");
-    Time({"OutputModem, the rest before the first byte", 200, 1000}, [&] { OutputModem(object, "^M"); });
-    Time({"OutputModem, with a pause of a second", 1200, 1000}, [&] { OutputModem(object, "~^M"); });
-    Time({"CheckModem, a modem that answers at once", 200, 1000}, [&] { EXPECT_EQ(CheckModem(object), 1); });
-    Time({"InitModem without a call", 200, 1000}, [&] { EXPECT_EQ(InitModem(object), 1); });
-    Time({"InitModemForAnswer", 400, 1000}, [&] { EXPECT_EQ(InitModemForAnswer(object), 1); });
-    Time({"HangUp without a carrier", 0, 1000}, [&] { EXPECT_EQ(HangUp(object), 1); });
-    Time({"Dial, a busy number: the rest, 7 tones of 100 ms", 900, 1000},
+    Time({"OutputModem, the rest before the first byte", 200, 3000}, [&] { OutputModem(object, "^M"); });
+    Time({"OutputModem, with a pause of a second", 1200, 3000}, [&] { OutputModem(object, "~^M"); });
+    Time({"CheckModem, a modem that answers at once", 200, 3000}, [&] { EXPECT_EQ(CheckModem(object), 1); });
+    Time({"InitModem without a call", 200, 3000}, [&] { EXPECT_EQ(InitModem(object), 1); });
+    Time({"InitModemForAnswer", 400, 3000}, [&] { EXPECT_EQ(InitModemForAnswer(object), 1); });
+    Time({"HangUp without a carrier", 0, 3000}, [&] { EXPECT_EQ(HangUp(object), 1); });
+    Time({"Dial, a busy number: the rest, 7 tones of 100 ms", 900, 3000},
          [&] { EXPECT_EQ(Dial(object, host::busyNumber), TARN_DIAL_BUSY); });
     SetDialTimeOut(object, 3000);
-    Time({"Dial, nobody answers: the rest and the limit of 3 s", 3200, 1000},
+    Time({"Dial, nobody answers: the rest and the limit of 3 s", 3200, 3000},
          [&] { EXPECT_EQ(Dial(object, host::unansweredNumber), TARN_DIAL_TIMED_OUT); });
     host::Pump(100);
     Connect();
-    Time({"HangUp: DTR 200, rest 200, four pauses of a second", 4400, 1000},
+    Time({"HangUp: DTR 200, rest 200, four pauses of a second", 4400, 3000},
          [&] { EXPECT_EQ(HangUp(object), 1); });
     caller.modem.Do("silent on");
     ClearInputBuffer(object); // the answer to the command; HangUp took that to the escape
-    Time({"WaitForOk, a silent modem", 8000, 1000}, [&] { EXPECT_EQ(WaitForOk(object), 0); });
+    Time({"WaitForOk, a silent modem", 8000, 3000}, [&] { EXPECT_EQ(WaitForOk(object), 0); });
 }
 
 TEST_F(TelephoneWaits, HangUpByDtr) {
     Connect();
-    Time({"HangUp: DTR for 200 ms", 200, 1000}, [&] { EXPECT_EQ(HangUp(caller.object), 1); });
+    Time({"HangUp: DTR for 200 ms", 200, 3000}, [&] { EXPECT_EQ(HangUp(caller.object), 1); });
     callee.ReadUntil("NO CARRIER");
     Connect();
-    Time({"Disconnect: DTR for 200 ms", 200, 1000}, [&] { EXPECT_EQ(Disconnect(caller.object), 1); });
+    Time({"Disconnect: DTR for 200 ms", 200, 3000}, [&] { EXPECT_EQ(Disconnect(caller.object), 1); });
 }
 
 class TelephoneFile : public host::Telephone {};

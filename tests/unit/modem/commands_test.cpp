@@ -1,6 +1,8 @@
 // Commands to a modem and its answers to them.
 #include "modemobject.h"
 
+#include "core/rooms.h"
+
 namespace {
 
 class ModemOutput : public host::ModemTest {};
@@ -57,8 +59,19 @@ TEST_F(ModemOutput, PausesGoOnOnAClosedPort) {
 
 TEST_F(ModemOutput, APortThatClosesEndsTheSending) {
     Open();
-    const auto close = host::After(600, [&] { object.Close(); });
+    const auto close = host::When([&] { return Heard() == "A"; }, [&] { object.Close(); });
     EXPECT_EQ(OutputModem(object, "A~B"), 0);
+    EXPECT_EQ(Heard(), "A");
+}
+
+TEST_F(ModemOutput, AfterAFailureNothingMoreIsSent) {
+    Open();
+    const auto close = host::When([&] { return Heard() == "A"; }, [&] { object.Close(); });
+    // Open again before the second pause is over, so that the last byte could go.
+    const host::Clock clock;
+    const auto open = host::When([&] { return clock.Gone() > 1600; }, [&] { Open(); });
+    EXPECT_EQ(OutputModem(object, "A~B~~C"), 0);
+    EXPECT_TRUE(GetPortOpen(object));
     EXPECT_EQ(Heard(), "A");
 }
 
@@ -160,6 +173,31 @@ TEST_F(ModemAnswer, NestedWaitGivesUpAtOnce) {
     EXPECT_EQ(WaitForOk(object), 1);
     EXPECT_EQ(nested, 0);
     EXPECT_LT(took, 1000u);
+}
+
+HWND destroyedAtTheEcho;
+
+// A host may do anything while a byte is shown.
+void DestroyAtK(HWND, const void* bytes, int count) {
+    if (count == 1 && *static_cast<const char*>(bytes) == 'K')
+        DestroyWindow(destroyedAtTheEcho);
+}
+
+TEST_F(ModemAnswer, ObjectThatGoesWithTheLastByteHasNoAnswer) {
+    const auto before = upperRooms.terminalWrite;
+    for (int(TARNAPI * function)(HWND) : {WaitForOk, CheckModem, InitModem, InitModemForAnswer}) {
+        cable.Carrier('a', "off");
+        const HWND other = CreateCommObject(nullptr);
+        SetCommPort(other, host::nearPort);
+        SetInputEcho(other, 1);
+        ASSERT_TRUE(SetPortOpen(other, 1, nullptr));
+        destroyedAtTheEcho = other;
+        upperRooms.terminalWrite = DestroyAtK;
+        const auto answer = host::After(400, [&] { modem.Send("OK"); });
+        EXPECT_EQ(function(other), 0);
+        EXPECT_FALSE(IsWindow(other));
+        upperRooms.terminalWrite = before;
+    }
 }
 
 TEST_F(ModemAnswer, ObjectMayGoInTheWait) {

@@ -3,6 +3,8 @@
 
 #include "core/rooms.h"
 
+#include <new>
+
 namespace {
 
 class ModemDial : public host::ModemTest {
@@ -11,6 +13,13 @@ class ModemDial : public host::ModemTest {
         ModemTest::SetUp();
         cable.Carrier('a', "off");
     }
+
+    std::unique_ptr<host::Every> WhileDialling(std::function<void()> action) {
+        return host::When([this] { return RecordOf(object)->bDialing != 0; }, std::move(action));
+    }
+
+    // A second before the prefix, in which nothing is awaited yet.
+    void RestLonger() { SetModemOptions(object, "Slow\tATZ\t~ATDT\t~ATDP\tATA\tATH^M"); }
 };
 
 struct WordCase {
@@ -108,8 +117,9 @@ TEST_F(ModemDial, StateIsTrueOnlyWhileItWaits) {
     SetDialTimeOut(object, 5000);
     COMCTL* record = RecordOf(object);
     int before = -1, inside = -1, limit = -1;
+    RestLonger();
     const auto early = host::After(100, [&] { before = record->bDialing; });
-    const auto look = host::After(400, [&] {
+    const auto look = WhileDialling([&] {
         inside = record->bDialing;
         limit = GetLookUpTimeOut(object);
         modem.Send("BUSY");
@@ -126,7 +136,7 @@ TEST_F(ModemDial, StateIsTrueOnlyWhileItWaits) {
 TEST_F(ModemDial, HangUpCancels) {
     Open();
     int hungUp = -1, flag = -1;
-    const auto cancel = host::After(500, [&] {
+    const auto cancel = WhileDialling([&] {
         hungUp = HangUp(object);
         flag = RecordOf(object)->bDialCancel;
     });
@@ -159,6 +169,7 @@ TEST_F(ModemDial, CancelWinsOverTheWordThatCameMeanwhile) {
 TEST_F(ModemDial, HangUpBeforeTheWaitIsNoCancel) {
     Open();
     int hungUp = -1;
+    RestLonger();
     const auto early = host::After(100, [&] { hungUp = HangUp(object); });
     const auto answer = Answer("12\r", "BUSY");
     EXPECT_EQ(Dial(object, "12"), TARN_DIAL_BUSY);
@@ -170,7 +181,7 @@ TEST_F(ModemDial, NestedWaitsFindNothing) {
     Open();
     SetDialTimeOut(object, 20000);
     int ok = -1, check = -1;
-    const auto inside = host::After(400, [&] {
+    const auto inside = WhileDialling([&] {
         const host::Clock clock;
         ok = WaitForOk(object);
         check = CheckModem(object);
@@ -187,7 +198,7 @@ TEST_F(ModemDial, NestedDialTimesOutAndTakesTheStateWithIt) {
     Open();
     COMCTL* record = RecordOf(object);
     int nested = -1, dialling = -1;
-    const auto inside = host::After(400, [&] {
+    const auto inside = WhileDialling([&] {
         const host::Clock clock;
         nested = Dial(object, "34");
         EXPECT_LT(clock.Gone(), 1200u);
@@ -213,7 +224,7 @@ TEST_F(ModemDial, ObjectMayGoAtAnyTime) {
 
 TEST_F(ModemDial, ShutDownEndsTheWait) {
     Open();
-    const auto end = host::After(400, [&] { SetShutDown(object, 1); });
+    const auto end = WhileDialling([&] { SetShutDown(object, 1); });
     const host::Clock clock;
     EXPECT_EQ(Dial(object, "12"), TARN_DIAL_TIMED_OUT);
     EXPECT_LT(clock.Gone(), 2000u);
@@ -222,9 +233,26 @@ TEST_F(ModemDial, ShutDownEndsTheWait) {
 TEST_F(ModemDial, PortThatClosesWaitsForTheLimit) {
     Open();
     SetDialTimeOut(object, 1000);
-    const auto close = host::After(500, [&] { object.Close(); });
+    const auto close = WhileDialling([&] { object.Close(); });
+    const host::Clock clock;
+    EXPECT_EQ(Dial(object, "12"), TARN_DIAL_TIMED_OUT);
+    EXPECT_GE(clock.Gone(), 1190u);
+    EXPECT_EQ(RecordOf(object)->bDialing, 0);
+}
+
+void CALLBACK IdleOutOfMemory() {
+    throw std::bad_alloc();
+}
+
+TEST_F(ModemDial, FailureInsideIsNoCall) {
+    Open();
+    RestLonger();
+    const auto out = WhileDialling([&] { SetIdleLoop(object, IdleOutOfMemory); });
     EXPECT_EQ(Dial(object, "12"), TARN_DIAL_TIMED_OUT);
     EXPECT_EQ(RecordOf(object)->bDialing, 0);
+    EXPECT_EQ(WaitForOk(object), 0);
+    EXPECT_EQ(DiscardUntilLookUp(object, "x\0"), -1);
+    SetIdleLoop(object, nullptr);
 }
 
 TEST_F(ModemDial, AutomaticProcessingLeavesTheWordToIt) {

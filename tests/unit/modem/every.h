@@ -61,4 +61,15 @@ inline std::unique_ptr<Every> After(UINT milliseconds, std::function<void()> act
     });
 }
 
+// Acts once when the condition holds.
+inline std::unique_ptr<Every> When(std::function<bool()> condition, std::function<void()> action) {
+    return std::make_unique<Every>(
+        5, [condition = std::move(condition), action = std::move(action), done = false]() mutable {
+            if (done || !condition())
+                return;
+            done = true;
+            action();
+        });
+}
+
 } // namespace host

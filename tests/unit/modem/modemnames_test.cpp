@@ -32,15 +32,15 @@ struct Kind {
     const char* windowClass;
     DWORD style;
     DWORD sorted;
-    UINT count, text, data, selected;
+    UINT count, text, data, selected, add, select;
     int(TARNAPI* fill)(HWND, HWND);
 };
 
 const Kind kinds[] = {
-    {"ListBox", "LISTBOX", 0, LBS_SORT, LB_GETCOUNT, LB_GETTEXT, LB_GETITEMDATA, LB_GETCURSEL,
-     FillListWithModemNames},
+    {"ListBox", "LISTBOX", 0, LBS_SORT, LB_GETCOUNT, LB_GETTEXT, LB_GETITEMDATA, LB_GETCURSEL, LB_ADDSTRING,
+     LB_SELECTSTRING, FillListWithModemNames},
     {"ComboBox", "COMBOBOX", CBS_DROPDOWNLIST, CBS_SORT, CB_GETCOUNT, CB_GETLBTEXT, CB_GETITEMDATA,
-     CB_GETCURSEL, FillComboWithModemNames},
+     CB_GETCURSEL, CB_ADDSTRING, CB_SELECTSTRING, FillComboWithModemNames},
 };
 
 constexpr LRESULT noItem = -1;
@@ -151,23 +151,30 @@ TEST_P(ModemNames, BadHandlesGiveNothing) {
     EXPECT_EQ(Names(), Texts{});
 }
 
-// A control of the host's that destroys the object when a name comes.
-LRESULT CALLBACK DestroyOnName(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == LB_ADDSTRING || message == CB_ADDSTRING)
-        DestroyWindow(reinterpret_cast<HWND>(GetPropA(window, "object")));
-    return CallWindowProcA(reinterpret_cast<WNDPROC>(GetPropA(window, "procedure")), window, message, wParam,
-                           lParam);
+// A control of the host's that destroys the object at a message of its choice.
+LRESULT CALLBACK DestroyAtMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == reinterpret_cast<UINT_PTR>(GetPropA(window, "message")))
+        DestroyWindow(static_cast<HWND>(GetPropA(window, "object")));
+    const auto procedure = reinterpret_cast<WNDPROC>(GetPropA(window, "procedure"));
+    return CallWindowProcA(procedure ? procedure : DefWindowProcA, window, message, wParam, lParam);
 }
 
 TEST_P(ModemNames, HostMayDestroyTheObjectMeanwhile) {
     const ListFile file("Alpha\tATZ\r\n");
-    const HWND other = CreateCommObject(nullptr);
-    SetPropA(control, "object", other);
-    SetPropA(control, "procedure", reinterpret_cast<HANDLE>(GetWindowLongPtrA(control, GWLP_WNDPROC)));
-    SetWindowLongPtrA(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DestroyOnName));
-    EXPECT_EQ(GetParam().fill(other, control), 0);
-    EXPECT_FALSE(IsWindow(other));
-    RemovePropA(control, "object");
+    for (const UINT message : {GetParam().add, GetParam().select}) {
+        MakeControl(0);
+        const HWND other = CreateCommObject(nullptr);
+        SetModemOptions(other, "Alpha");
+        SetPropA(control, "object", other);
+        SetPropA(control, "message", reinterpret_cast<HANDLE>(static_cast<UINT_PTR>(message)));
+        SetPropA(control, "procedure", reinterpret_cast<HANDLE>(GetWindowLongPtrA(control, GWLP_WNDPROC)));
+        SetWindowLongPtrA(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DestroyAtMessage));
+        EXPECT_EQ(GetParam().fill(other, control), message == GetParam().select);
+        EXPECT_FALSE(IsWindow(other));
+        EXPECT_EQ(Selected(), message == GetParam().select ? 1 : noItem);
+        for (const char* property : {"object", "message", "procedure"})
+            RemovePropA(control, property);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Controls, ModemNames, testing::ValuesIn(kinds),
