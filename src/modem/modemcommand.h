@@ -10,5 +10,6 @@ struct ModemStep {
 };
 
 // The next step of a command, which moves on; nothing at its end. "^" and a character is the control
-// character, so "^M" is a carriage return; "~" is a pause of a second; a "^" that ends the command is skipped.
+// character, so "^M" is a carriage return; "~" is a pause of a second; a "^" that ends the command is
+// skipped.
 std::optional<ModemStep> NextStep(const char*& command);

@@ -120,7 +120,7 @@ TEST_F(Basic, LineInputGivesFourCharactersAtATime) {
 TEST_F(Basic, SendExpandsMarks) {
     Open();
     tarnbasSend(object, "hi^M");
-    EXPECT_EQ(Heard(), "hi\r");
+    ExpectHeard("hi\r");
 }
 
 struct WaitCase {

@@ -17,11 +17,14 @@ TEST_F(ModemOutput, RestsBeforeTheFirstByte) {
         if (!first && !Heard().empty())
             first = clock.Gone();
     });
-    const auto later = host::After(150, [&] { EXPECT_EQ(Heard(), ""); });
+    const auto later = host::After(150, [&] {
+        if (clock.Gone() < 190)
+            EXPECT_EQ(Heard(), "");
+    });
     EXPECT_EQ(OutputModem(object, "ATZ^M"), 1);
     EXPECT_GE(clock.Gone(), 190u);
     EXPECT_LT(clock.Gone(), 1200u);
-    EXPECT_EQ(Heard(), "ATZ\r");
+    ExpectHeard("ATZ\r");
     EXPECT_TRUE(!first || first >= 190);
 }
 
@@ -61,7 +64,7 @@ TEST_F(ModemOutput, APortThatClosesEndsTheSending) {
     Open();
     const auto close = host::When([&] { return Heard() == "A"; }, [&] { object.Close(); });
     EXPECT_EQ(OutputModem(object, "A~B"), 0);
-    EXPECT_EQ(Heard(), "A");
+    ExpectHeard("A");
 }
 
 TEST_F(ModemOutput, AfterAFailureNothingMoreIsSent) {
@@ -72,7 +75,7 @@ TEST_F(ModemOutput, AfterAFailureNothingMoreIsSent) {
     const auto open = host::When([&] { return clock.Gone() > 1600; }, [&] { Open(); });
     EXPECT_EQ(OutputModem(object, "A~B~~C"), 0);
     EXPECT_TRUE(GetPortOpen(object));
-    EXPECT_EQ(Heard(), "A");
+    ExpectHeard("A");
 }
 
 TEST_F(ModemOutput, NoByteIsEveryByte) {
@@ -213,14 +216,14 @@ TEST_F(ModemSetUp, CheckSaysAttention) {
     Open();
     const auto answer = Answer("AT\r", "AT\r\r\nOK\r\n");
     EXPECT_EQ(CheckModem(object), 1);
-    EXPECT_EQ(Heard(), "AT\r");
+    ExpectHeard("AT\r");
 }
 
 TEST_F(ModemSetUp, InitSendsTheSetUpField) {
     OpenWithoutCarrier();
     const auto answer = Answer("&C1\r", "\r\nOK\r\n");
     EXPECT_EQ(InitModem(object), 1);
-    EXPECT_EQ(Heard(), "ATX4E1V1S7=60&C1\r");
+    ExpectHeard("ATX4E1V1S7=60&C1\r");
 }
 
 TEST_F(ModemSetUp, InitFailsOnError) {
@@ -239,7 +242,7 @@ TEST_F(ModemSetUp, InitHangsUpFirst) {
     const auto answer = Answer("&C1\r", "\r\nOK\r\n");
     EXPECT_EQ(InitModem(object), 1);
     EXPECT_FALSE(GetCarrier(object));
-    EXPECT_EQ(Heard(), "ATX4E1V1S7=60&C1\r") << "DTR was enough";
+    ExpectHeard("ATX4E1V1S7=60&C1\r"); // DTR was enough
 }
 
 TEST_F(ModemSetUp, AnswerFollowsTheSetUp) {
@@ -247,14 +250,14 @@ TEST_F(ModemSetUp, AnswerFollowsTheSetUp) {
     const auto setUp = Answer("&C1\r", "\r\nOK\r\n");
     const auto answer = Answer("ATS0=2\r", "\r\nOK\r\n");
     EXPECT_EQ(InitModemForAnswer(object), 1);
-    EXPECT_EQ(Heard(), "ATX4E1V1S7=60&C1\rATS0=2\r");
+    ExpectHeard("ATX4E1V1S7=60&C1\rATS0=2\r");
 }
 
 TEST_F(ModemSetUp, AnswerIsNotSentToAModemThatRefused) {
     OpenWithoutCarrier();
     const auto setUp = Answer("&C1\r", "\r\nERROR\r\n");
     EXPECT_EQ(InitModemForAnswer(object), 0);
-    EXPECT_EQ(Heard(), "ATX4E1V1S7=60&C1\r");
+    ExpectHeard("ATX4E1V1S7=60&C1\r");
 }
 
 TEST_F(ModemSetUp, AnswerFailsByItsOwnAnswer) {

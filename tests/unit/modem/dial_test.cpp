@@ -43,7 +43,7 @@ TEST_F(ModemDial, WordsAreResults) {
         Forget();
         const auto answer = Answer("5551234\r", row.said);
         EXPECT_EQ(Dial(object, "5551234"), row.result) << row.said;
-        EXPECT_EQ(Heard(), "ATDT5551234\r") << row.said;
+        ExpectHeard("ATDT5551234\r");
         host::Pump(20);
         char rest[64] = {};
         const int count = GetInput(object, rest, sizeof rest);
@@ -59,7 +59,7 @@ TEST_F(ModemDial, TimeOutStopsTheModem) {
     EXPECT_GE(clock.Gone(), 890u) << "the rest before the command, and the limit";
     EXPECT_LT(clock.Gone(), 2500u);
     host::Pump(50);
-    EXPECT_EQ(Heard(), "ATDT5551234\r\r");
+    ExpectHeard("ATDT5551234\r\r");
 }
 
 TEST_F(ModemDial, ClosedPortWaitsForTheLimitAndSendsNothing) {
@@ -76,7 +76,7 @@ TEST_F(ModemDial, PulseHasItsOwnPrefix) {
     SetDialMode(object, TARN_DIAL_PULSE);
     const auto answer = Answer("12\r", "BUSY");
     EXPECT_EQ(Dial(object, "12"), TARN_DIAL_BUSY);
-    EXPECT_EQ(Heard(), "ATDP12\r");
+    ExpectHeard("ATDP12\r");
 }
 
 TEST_F(ModemDial, WithoutOptionsTheNumberGoesAlone) {
@@ -84,7 +84,7 @@ TEST_F(ModemDial, WithoutOptionsTheNumberGoesAlone) {
     SetModemOptions(object, "");
     const auto answer = Answer("12\r", "BUSY");
     EXPECT_EQ(Dial(object, "12"), TARN_DIAL_BUSY);
-    EXPECT_EQ(Heard(), "12\r");
+    ExpectHeard("12\r");
 }
 
 TEST_F(ModemDial, NumberGoesAsItStands) {
@@ -93,14 +93,14 @@ TEST_F(ModemDial, NumberGoesAsItStands) {
     const host::Clock clock;
     EXPECT_EQ(Dial(object, "1-800~^M,W FOO"), TARN_DIAL_BUSY);
     EXPECT_LT(clock.Gone(), 1100u) << "no pause in it";
-    EXPECT_EQ(Heard(), "ATDT1-800~^M,W FOO\r");
+    ExpectHeard("ATDT1-800~^M,W FOO\r");
 }
 
 TEST_F(ModemDial, NoNumberIsAnEmptyOne) {
     Open();
     const auto answer = Answer("\r", "NO CARRIER");
     EXPECT_EQ(Dial(object, nullptr), TARN_DIAL_NO_CARRIER);
-    EXPECT_EQ(Heard(), "ATDT\r");
+    ExpectHeard("ATDT\r");
 }
 
 TEST_F(ModemDial, WhatWaitedInTheInputIsNoAnswer) {
@@ -147,7 +147,7 @@ TEST_F(ModemDial, HangUpCancels) {
     EXPECT_EQ(flag, 1);
     EXPECT_EQ(RecordOf(object)->bDialCancel, 0);
     host::Pump(50);
-    EXPECT_EQ(Heard(), "ATDT12\r\r\r") << "one by HangUp, one by Dial";
+    ExpectHeard("ATDT12\r\r\r"); // one by HangUp, one by Dial
 }
 
 TEST_F(ModemDial, CancelWinsOverTheWordThatCameMeanwhile) {
@@ -174,7 +174,7 @@ TEST_F(ModemDial, HangUpBeforeTheWaitIsNoCancel) {
     const auto answer = Answer("12\r", "BUSY");
     EXPECT_EQ(Dial(object, "12"), TARN_DIAL_BUSY);
     EXPECT_EQ(hungUp, 1) << "no carrier";
-    EXPECT_EQ(Heard(), "ATDT12\r");
+    ExpectHeard("ATDT12\r");
 }
 
 TEST_F(ModemDial, NestedWaitsFindNothing) {
@@ -191,7 +191,7 @@ TEST_F(ModemDial, NestedWaitsFindNothing) {
     EXPECT_EQ(Dial(object, "12"), TARN_DIAL_BUSY);
     EXPECT_EQ(ok, 0);
     EXPECT_EQ(check, 0);
-    EXPECT_EQ(Heard(), "ATDT12\rAT\r");
+    ExpectHeard("ATDT12\rAT\r");
 }
 
 TEST_F(ModemDial, NestedDialTimesOutAndTakesTheStateWithIt) {
@@ -208,7 +208,7 @@ TEST_F(ModemDial, NestedDialTimesOutAndTakesTheStateWithIt) {
     EXPECT_EQ(Dial(object, "12"), TARN_DIAL_BUSY);
     EXPECT_EQ(nested, TARN_DIAL_TIMED_OUT);
     EXPECT_EQ(dialling, 0) << "kept so: HangUp is no cancel from here on";
-    EXPECT_EQ(Heard(), "ATDT12\rATDT34\r\r");
+    ExpectHeard("ATDT12\rATDT34\r\r");
 }
 
 TEST_F(ModemDial, ObjectMayGoAtAnyTime) {

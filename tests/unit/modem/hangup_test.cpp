@@ -82,7 +82,7 @@ TEST_F(ModemHangUp, CarrierThatStaysGetsTheCommand) {
     const host::Clock clock;
     EXPECT_EQ(HangUp(object), 1) << "the modem said OK, whatever the signal says";
     EXPECT_TRUE(GetCarrier(object));
-    EXPECT_EQ(Heard(), "+++ATH0\r");
+    ExpectHeard("+++ATH0\r");
     EXPECT_GE(clock.Gone(), 4300u) << "DTR, the rest, two seconds on each side of the escape";
     EXPECT_LT(clock.Gone(), 8000u);
 }
@@ -120,7 +120,7 @@ TEST_F(ModemHangUp, DisconnectDoesNotWaitForTheAnswer) {
     EXPECT_GE(clock.Gone(), 390u);
     EXPECT_LT(clock.Gone(), 1100u);
     host::Pump(50);
-    EXPECT_EQ(Heard(), "ATH\r");
+    ExpectHeard("ATH\r");
 }
 
 TEST_F(ModemHangUp, DisconnectSeesTheCarrierThatWentByTheCommand) {
@@ -155,7 +155,7 @@ TEST_F(ModemHangUp, InsideAnotherWaitTheCarrierDecides) {
     const auto inside = host::After(50, [&] { hungUp = HangUp(object); });
     ComPause(object, 1500);
     EXPECT_EQ(hungUp, 0) << "no answer can be awaited there";
-    EXPECT_EQ(Heard(), "ATH\r");
+    ExpectHeard("ATH\r");
 }
 
 } // namespace

@@ -32,6 +32,11 @@ class ModemTest : public LineTest {
         heard_ += modem.Read();
         return heard_;
     }
+    // The writer may still be at it.
+    void ExpectHeard(const std::string& text) {
+        PumpUntil([&] { return Heard().size() >= text.size(); });
+        EXPECT_EQ(Heard(), text);
+    }
     void Forget() { Heard(), heard_.clear(); }
 
     // Answers when a line has come whose end this is, once.
