@@ -18,8 +18,9 @@ TEST_F(ModemOutput, RestsBeforeTheFirstByte) {
             first = clock.Gone();
     });
     const auto later = host::After(150, [&] {
-        if (clock.Gone() < 190)
+        if (clock.Gone() < 190) {
             EXPECT_EQ(Heard(), "");
+        }
     });
     EXPECT_EQ(OutputModem(object, "ATZ^M"), 1);
     EXPECT_GE(clock.Gone(), 190u);
