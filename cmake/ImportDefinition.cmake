@@ -1,5 +1,6 @@
-# Writes the definition file for the import library: each exported name as the compiler decorates it.
-file(STRINGS ${DEF} names REGEX "^    [A-Za-z]")
+# Writes the definition file for the import library: each exported name as the compiler decorates it, but for those that
+# only the system calls (PRIVATE).
+file(STRINGS ${DEF} names REGEX "^    [A-Za-z]+$")
 execute_process(COMMAND ${NM} --defined-only --format=just-symbols ${ARCHIVE} OUTPUT_VARIABLE symbols
     COMMAND_ERROR_IS_FATAL ANY)
 string(REPLACE "\n" ";" symbols "${symbols}")

@@ -20,6 +20,10 @@ void DriveDTR(const COMCTL& record, bool on) {
     EscapeCommFunction(record.hComm, on ? SETDTR : CLRDTR);
 }
 
+void PretendXOn(const COMCTL& record, bool on) {
+    EscapeCommFunction(record.hComm, on ? SETXON : SETXOFF);
+}
+
 void TARNAPI SetDTR(HWND hWnd, int bDTR) {
     BehindWall("SetDTR", [&] {
         COMCTL* record = RecordOf(hWnd);

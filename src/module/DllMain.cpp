@@ -1,3 +1,5 @@
+#include "com/olecontrol.h"
+#include "com/typeinfo.h"
 #include "core/startup.h"
 #include "TarnComm.h"
 
@@ -9,8 +11,11 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* processEnds) {
         break;
     case DLL_PROCESS_DETACH:
         // At the end of the process the system takes everything back, and other threads are gone in mid-step.
-        if (!processEnds)
+        if (!processEnds) {
+            UnregisterControlWindow("TarnCommControl");
+            ForgetTypeInfo();
             ShutDownTarnCommObjects();
+        }
         break;
     default:
         break;

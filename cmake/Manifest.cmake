@@ -1,0 +1,26 @@
+# The manifest by which the system makes the module's objects without the registry.
+function(tarn_module_manifest template description output)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${description})
+    file(READ ${description} text)
+    # The identifier stands in the brackets before a name: tarn_identifier(coclass TarnComm) sets TarnComm_ID.
+    macro(tarn_identifier kind name)
+        if(NOT text MATCHES "uuid\\(([0-9a-f-]+)\\)[^]]*\\][ \n]*${kind} ${name}[ \n]")
+            message(FATAL_ERROR "${description} has no ${kind} ${name}")
+        endif()
+        set(${name}_ID "{${CMAKE_MATCH_1}}")
+    endmacro()
+    tarn_identifier(library TarnLink)
+    tarn_identifier(coclass TarnComm)
+    tarn_identifier(dispinterface _ITarnCommEvents)
+    set(TARN_INTERFACES)
+    foreach(name IN ITEMS ITarnComm IScriptExtension ICommPort ITapiLocation)
+        tarn_identifier(interface ${name})
+        string(APPEND TARN_INTERFACES "
+    <comInterfaceExternalProxyStub name=\"${name}\" iid=\"${${name}_ID}\"
+        tlbid=\"${TarnLink_ID}\" proxyStubClsid32=\"{00020424-0000-0000-c000-000000000046}\"/>")
+    endforeach()
+    set(TARN_MACHINE_x86 x86)
+    set(TARN_MACHINE_x64 amd64)
+    set(TARN_MACHINE ${TARN_MACHINE_${TARN_ARCH}})
+    configure_file(${template} ${output} @ONLY)
+endfunction()

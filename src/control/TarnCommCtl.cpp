@@ -1,0 +1,216 @@
+#include "TarnCommCtl.h"
+
+#include "objectaccess.h"
+#include "scriptextension.h"
+#include "TarnComm.h"
+
+#include <commctrl.h>
+#include <olectl.h>
+
+#include <cstdio>
+#include <cstring>
+#include <mutex>
+
+namespace {
+
+constexpr DWORD miscStatus = 131473;
+constexpr UINT_PTR commWindowHook = 1;
+constexpr int commandOfCommObject = 0; // the identifier of the control's child
+
+const ControlFacts facts = {&CLSID_TarnComm, L"Tarn Link Objects", &DIID__ITarnCommEvents, "TarnCommControl",
+                            miscStatus};
+
+[[maybe_unused]] const bool connected = ConnectControlRoom({
+    [](CTarnCommCtl& control, int code) { control.FireCommEvent(code); },
+    [](CTarnCommCtl& control, const char* text, int count) {
+        control.FireLookUp({text, static_cast<size_t>(count)});
+    },
+    [](const CTarnCommCtl& control) { return control.IsConnected(); },
+});
+
+} // namespace
+
+CTarnCommCtl::CTarnCommCtl() : m_Tapi(*this) {
+    std::snprintf(m_Properties.m_szModemOptions, sizeof m_Properties.m_szModemOptions, "%s",
+                  defaultModemOptions);
+}
+
+CTarnCommCtl::~CTarnCommCtl() = default;
+
+const ControlFacts& CTarnCommCtl::Facts() const {
+    return facts;
+}
+
+// A line for an object that is gone would silence the log for all, so that there is none. The container,
+// which is asked for the mode, may take it away.
+PropertyLog CTarnCommCtl::Log() const {
+    const ControlProperties& switches = m_Properties;
+    const bool isWanted =
+        switches.m_bWireTap && m_nNoLog <= 0 && Ambient().IsUserMode() && !m_szControlName.empty();
+    const HWND object = CommObject();
+    return PropertyLog({object, m_szControlName, isWanted && ControlOf(object) == this,
+                        switches.m_bWireTapProperties != 0, switches.m_bWireTapEvents != 0});
+}
+
+// A control that never gets a window works from here on.
+HRESULT CTarnCommCtl::FinalConstruct() {
+    m_hWndNonVisibleControl = CreateCommObject(nullptr);
+    if (!IsWindow(m_hWndNonVisibleControl))
+        return E_OUTOFMEMORY;
+    AttachControl(m_hWndNonVisibleControl, this);
+    HRESULT result = NewObject(m_pScriptExtension, *this);
+    if (SUCCEEDED(result))
+        result = NewObject(m_pCommPorts);
+    if (SUCCEEDED(result))
+        result = NewObject(m_pLocations);
+    if (FAILED(result))
+        return result;
+    SetDefaultFont();
+    ApplyProperties();
+    return S_OK;
+}
+
+// The host is gone: nothing may reach it any more, but what it opened is closed as it would have been.
+void CTarnCommCtl::FinalRelease() {
+    put_PortOpen(VARIANT_FALSE);
+    if (m_pScriptExtension)
+        m_pScriptExtension->Detach();
+    DropInvisibleObject();
+    DropWindowObject();
+}
+
+void CTarnCommCtl::DropInvisibleObject() {
+    if (!m_hWndNonVisibleControl)
+        return;
+    SetEventHandler(m_hWndNonVisibleControl, nullptr);
+    AttachControl(m_hWndNonVisibleControl, nullptr);
+    DestroyWindow(std::exchange(m_hWndNonVisibleControl, nullptr));
+}
+
+void CTarnCommCtl::DropWindowObject() {
+    if (!m_hWndComm)
+        return;
+    const HWND object = std::exchange(m_hWndComm, nullptr);
+    RemoveWindowSubclass(object, CommWindowProc, commWindowHook);
+    AttachControl(object, nullptr);
+    DestroyWindow(object);
+}
+
+// The control's window is there. What the host talked to so far goes, with its port; the cached values stay.
+bool CTarnCommCtl::OnWindowCreated() {
+    DropInvisibleObject();
+    RECT client = {};
+    GetClientRect(Window(), &client);
+    m_hWndComm = CreateCommObject(Window());
+    if (!m_hWndComm)
+        return false;
+    SetWindowLongPtrA(m_hWndComm, GWLP_ID, commandOfCommObject);
+    SetWindowSubclass(m_hWndComm, CommWindowProc, commWindowHook, reinterpret_cast<DWORD_PTR>(this));
+    SetWindowPos(m_hWndComm, nullptr, 0, 0, client.right, client.bottom, SWP_NOZORDER | SWP_NOACTIVATE);
+    OutputDebugStringA("Comm Control Created\n");
+    UpdateStatus();
+    ApplyProperties();
+    ShowWindow(m_hWndComm, SW_SHOWNA); // its first event, in which the host may destroy the window
+    SetBorder();
+    Layout();
+    m_bCreated = m_hWndComm != nullptr;
+    return m_bCreated;
+}
+
+void CTarnCommCtl::OnWindowDestroyed() {
+    m_bCreated = false;
+    DropWindowObject();
+}
+
+bool CTarnCommCtl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    result = 0;
+    switch (message) {
+    case WM_COMMAND:
+        if (LOWORD(wParam) != commandOfCommObject ||
+            LOWORD(lParam) != LOWORD(reinterpret_cast<UINT_PTR>(m_hWndComm)))
+            return false;
+        FireCommEvent(GetLastCommEvent(m_hWndComm));
+        return true;
+    case WM_SIZE:
+        Layout();
+        return false;
+    case WM_SETFOCUS:
+        if (IsInPlaceActive() && m_hWndComm && !IsChild(Window(), GetFocus()))
+            SetFocus(m_hWndComm);
+        return true;
+    default:
+        return false;
+    }
+}
+
+LRESULT CALLBACK CTarnCommCtl::CommWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                              UINT_PTR, DWORD_PTR control) {
+    const ComPtr<CTarnCommCtl> self(reinterpret_cast<CTarnCommCtl*>(control)); // the host may release it
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, CommWindowProc, commWindowHook);
+        if (self->m_hWndComm == window)
+            self->m_hWndComm = nullptr; // destroyed behind the control's back
+        return DefSubclassProc(window, message, wParam, lParam);
+    }
+    LRESULT result = 0;
+    bool isAnswered = false;
+    AsResult([&] {
+        isAnswered = self->OnCommWindowMessage(message, wParam, lParam, result);
+        return S_OK;
+    });
+    return isAnswered ? result : DefSubclassProc(window, message, wParam, lParam);
+}
+
+// The terminal takes the whole of the control.
+void CTarnCommCtl::Layout() {
+    RECT client = {};
+    GetClientRect(Window(), &client);
+    SetWindowPos(m_hWndComm, nullptr, 0, 0, client.right, client.bottom, SWP_NOZORDER | SWP_NOACTIVATE);
+    UpdateStatus();
+}
+
+// The bars that show the status are not there yet.
+void CTarnCommCtl::UpdateStatus() {}
+
+// Some bits of the plain style become bits of the extended one; kept so, see the tests.
+void CTarnCommCtl::SetBorder() {
+    if (!m_hWndComm)
+        return;
+    const bool single = m_Properties.m_nBorderStyle == 1;
+    const LONG_PTR before = GetWindowLongPtrA(m_hWndComm, GWL_STYLE);
+    const LONG_PTR style = single ? before | WS_BORDER : before & ~static_cast<LONG_PTR>(WS_BORDER);
+    const LONG_PTR extended =
+        single ? before | WS_EX_CLIENTEDGE : before & ~static_cast<LONG_PTR>(WS_EX_CLIENTEDGE);
+    SetWindowLongPtrA(m_hWndComm, GWL_STYLE, style);
+    SetWindowLongPtrA(m_hWndComm, GWL_EXSTYLE, extended);
+    SetWindowPos(m_hWndComm, nullptr, 0, 0, 0, 0,
+                 SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// For a picture outside of the window only: the window paints itself.
+void CTarnCommCtl::OnDraw(HDC context, const RECT& bounds) {
+    if (Window())
+        return;
+    PassFont();
+    FillRect(context, &bounds, GetSysColorBrush(COLOR_ACTIVECAPTION));
+}
+
+void CTarnCommCtl::OnAmbientChanged(DISPID) {}
+
+// Tab and arrows belong to the terminal.
+bool CTarnCommCtl::OnTranslateAccelerator(MSG& message) {
+    const bool isKey = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
+    const bool isOurs = message.wParam == VK_TAB || (message.wParam >= VK_LEFT && message.wParam <= VK_DOWN);
+    if (!isKey || !isOurs || !m_hWndComm)
+        return false;
+    SendMessageA(m_hWndComm, message.message, message.wParam, message.lParam);
+    return true;
+}
+
+void CTarnCommCtl::OnDisconnected() {
+    SetCommID(CommObject(), INVALID_HANDLE_VALUE);
+    m_bTapiCall = false;
+    m_bConnected = false;
+    m_Properties.m_sPortStatus = L"Disconnected";
+    UpdateStatus();
+}

@@ -1,0 +1,16 @@
+// Text at the border: UTF-16 outside, the system's 8-bit code page inside.
+#pragma once
+
+#include <oleauto.h>
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+std::string AnsiOf(const wchar_t* text); // null is empty
+std::string AnsiOf(const std::wstring& text);
+std::wstring WideOf(std::string_view text);
+
+// A new string with all bytes, NULs too. Throws std::bad_alloc.
+BSTR MakeBstr(std::string_view text);
+BSTR MakeBstr(const std::wstring& text);

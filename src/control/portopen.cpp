@@ -1,0 +1,86 @@
+// PortOpen: opens a plain port, dials a line of the telephony service, closes either.
+#include "ansi.h"
+#include "guards.h"
+#include "objectaccess.h"
+#include "propertyrows.h"
+
+namespace {
+
+constexpr int noLine = -1;
+
+int LineOfPort(CTarnCommCtl& control) {
+    const CTapiApp& telephony = control.Telephony();
+    const char* szPort = control.Properties().m_szPort;
+    if (*szPort)
+        return telephony.FindModem(szPort);
+    DWORD device = 0;
+    return telephony.FindNextDataModem(device) ? static_cast<int>(device) : noLine;
+}
+
+} // namespace
+
+READ(PortOpen, VARIANT_BOOL, GetPortOpen)
+
+// A failure is no error: the port stays closed, and PortStatus says why.
+STDMETHODIMP CTarnCommCtl::put_PortOpen(VARIANT_BOOL value) {
+    return Body([&]() -> HRESULT {
+        const bool open = value != VARIANT_FALSE;
+        Log().AssignedBool("PortOpen", open);
+        if (m_bTapiCall && !open) {
+            HangUpCall();
+            return S_OK;
+        }
+        if (open == (GetPortOpen(CommObject()) != 0))
+            return S_OK;
+        const int line = open ? LineOfPort(*this) : noLine;
+        const HRESULT result = line == noLine ? SetPlainPortOpen(open) : DialLine(static_cast<DWORD>(line));
+        if (SUCCEEDED(result))
+            UpdateStatus();
+        return result;
+    });
+}
+
+void CTarnCommCtl::HangUpCall() {
+    m_Tapi.HangUp();
+    SetCommID(CommObject(), INVALID_HANDLE_VALUE);
+    NotifyObject(CommObject(), TARN_EVENT_CARRIER);
+    m_bConnected = false;
+    m_bTapiCall = false;
+    UpdateStatus();
+}
+
+HRESULT CTarnCommCtl::SetPlainPortOpen(bool open) {
+    char error[TARN_ERROR_TEXT_SIZE] = {};
+    const bool done = SetPortOpen(CommObject(), open, error) != 0;
+    m_bTapiCall = false;
+    m_bConnected = GetPortOpen(CommObject()) != 0;
+    if (done)
+        m_Properties.m_sPortStatus = open ? L"Connected" : L"Disconnected";
+    else
+        m_Properties.m_sPortStatus = WideOf(error);
+    return S_OK;
+}
+
+HRESULT CTarnCommCtl::DialLine(DWORD device) {
+    const std::string number = AnsiOf(m_Properties.m_sPhoneNumber);
+    if (number.empty()) {
+        m_Properties.m_sPortStatus = L"Phone number required";
+        return S_OK;
+    }
+    const CBusyGuard Busy(*this, "PortOpen");
+    if (FAILED(Busy.Result()))
+        return Busy.Result();
+    m_bTapiCall = true;
+    m_Properties.m_sPortStatus = L"Dialing " + m_Properties.m_sPhoneNumber;
+    UpdateStatus();
+    m_bConnected = m_Tapi.Dial(device, number.c_str(), GetSettingsBaud(CommObject()));
+    m_bTapiCall = m_bConnected;
+    if (!m_bConnected) {
+        m_Properties.m_sPortStatus = WideOf(m_Tapi.LastError());
+        return S_OK;
+    }
+    m_Properties.m_sPortStatus = L"Connected";
+    SetCommID(CommObject(), m_Tapi.GetCommHandle());
+    NotifyObject(CommObject(), TARN_EVENT_CARRIER);
+    return S_OK;
+}

@@ -1,0 +1,288 @@
+// Properties of the modem and of the telephony service.
+#include "ansi.h"
+#include "guards.h"
+#include "modeminfo.h"
+#include "objectaccess.h"
+#include "propertyrows.h"
+
+namespace {
+
+constexpr int noLine = -1;
+
+// No text is null, not an empty string.
+BSTR NullOrBstr(const std::wstring& text) {
+    return text.empty() ? nullptr : MakeBstr(text);
+}
+
+// Waits for the modem's words.
+HRESULT AskModem(CTarnCommCtl& control, const char* name, int(TARNAPI* flat)(HWND), VARIANT_BOOL* value) {
+    if (!value)
+        return E_POINTER;
+    *value = VARIANT_FALSE;
+    const CBusyGuard Busy(control, name);
+    if (FAILED(Busy.Result()))
+        return Busy.Result();
+    if (!control.CheckAutoReceive(name))
+        return InvalidCall;
+    const bool done = flat(control.CommObject()) != 0;
+    *value = done ? VARIANT_TRUE : VARIANT_FALSE;
+    control.Log().ReturnsBool(name, done);
+    return S_OK;
+}
+
+// The line of this place among the usable ones, from 0 on.
+bool FindLine(const CTapiApp& telephony, LONG place, DWORD& device) {
+    device = 0;
+    for (LONG left = place; left >= 0; --left) {
+        if (!telephony.FindNextDataModem(device))
+            return false;
+        if (left > 0)
+            ++device;
+    }
+    return place >= 0;
+}
+
+void AddLineNames(const CTapiApp& telephony, HWND list, UINT message) {
+    for (DWORD device = 0; telephony.FindNextDataModem(device); ++device) {
+        const std::string name = telephony.GetModemName(device);
+        SendMessageA(list, message, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    }
+}
+
+using FillFlat = int(TARNAPI*)(HWND object, HWND list);
+
+HRESULT FillNames(CTarnCommCtl& control, const char* name, LONG window, FillFlat flat, UINT message) {
+    const HWND list = static_cast<HWND>(LongToHandle(window));
+    if (control.Properties().m_bUseTAPI)
+        AddLineNames(control.Telephony(), list, message);
+    else
+        flat(control.CommObject(), list);
+    control.Log().Assigned(name, window);
+    return S_OK;
+}
+
+HRESULT TelephonyFailure(CTarnCommCtl& control) {
+    return control.ReportError(GeneralFailure, control.Telephony().StartUpError().c_str());
+}
+
+std::vector<std::wstring> WideTexts(const std::vector<std::string>& texts) {
+    std::vector<std::wstring> wide;
+    for (const std::string& text : texts)
+        wide.push_back(WideOf(text));
+    return wide;
+}
+
+} // namespace
+
+CACHED(UseTAPI, VARIANT_BOOL, m_bUseTAPI)
+
+// The log has it under another name; programs that read logs know it so.
+STDMETHODIMP CTarnCommCtl::get_PhoneNumber(BSTR* value) {
+    return Body([&]() -> HRESULT {
+        if (!value)
+            return E_POINTER;
+        *value = nullptr;
+        *value = NullOrBstr(m_Properties.m_sPhoneNumber);
+        Log().ReturnsText("ProjectPhoneNumber", *value);
+        return S_OK;
+    });
+}
+
+STDMETHODIMP CTarnCommCtl::put_PhoneNumber(BSTR value) {
+    return Body([&]() -> HRESULT {
+        m_Properties.m_sPhoneNumber = value ? value : L"";
+        Log().AssignedText("ProjectPhoneNumber", value);
+        return S_OK;
+    });
+}
+
+PLAIN(DialMode, DialMode, m_nDialMode, GetDialMode, SetDialMode)
+PLAIN(DialTimeOut, LONG, m_lDialTimeOut, GetDialTimeOut, SetDialTimeOut)
+CACHED(DialStatusDialog, StatusDialog, m_nDialStatusDialog)
+
+// A call is told to be over by OnDisconnected, which the telephony service calls.
+STDMETHODIMP CTarnCommCtl::get_HangUp(VARIANT_BOOL* value) {
+    return Body([&]() -> HRESULT {
+        if (!value)
+            return E_POINTER;
+        const bool done = m_Tapi.HangUp();
+        SetCommID(CommObject(), INVALID_HANDLE_VALUE);
+        NotifyObject(CommObject(), TARN_EVENT_CARRIER);
+        m_bConnected = false;
+        *value = done ? VARIANT_TRUE : VARIANT_FALSE;
+        Log().ReturnsBool("HangUp", done);
+        return S_OK;
+    });
+}
+
+STDMETHODIMP CTarnCommCtl::get_InitModem(VARIANT_BOOL* value) {
+    return Body([&] { return AskModem(*this, "InitModem", InitModem, value); });
+}
+
+STDMETHODIMP CTarnCommCtl::get_InitModemForAnswer(VARIANT_BOOL* value) {
+    return Body([&] { return AskModem(*this, "InitModemForAnswer", InitModemForAnswer, value); });
+}
+
+// The fields of the modem options. A look at one writes all of them anew.
+std::string CTarnCommCtl::ModemOption(int index) {
+    CModemInfo Info(*this);
+    return Info[static_cast<ModemText>(index)];
+}
+
+HRESULT CTarnCommCtl::SetModemOption(int index, const std::wstring& text) {
+    CModemInfo Info(*this);
+    Info[static_cast<ModemText>(index)] = AnsiOf(text);
+    return S_OK;
+}
+
+#define MODEM_TEXT(name, field)                                                                              \
+    STDMETHODIMP CTarnCommCtl::get_##name(BSTR* value) {                                                     \
+        return Body([&]() -> HRESULT {                                                                       \
+            if (!value)                                                                                      \
+                return E_POINTER;                                                                            \
+            *value = nullptr;                                                                                \
+            *value = MakeBstr(ModemOption(static_cast<int>(field)));                                         \
+            Log().ReturnsText(#name, *value);                                                                \
+            return S_OK;                                                                                     \
+        });                                                                                                  \
+    }                                                                                                        \
+    STDMETHODIMP CTarnCommCtl::put_##name(BSTR value) {                                                      \
+        return Body([&]() -> HRESULT {                                                                       \
+            const HRESULT result = SetModemOption(static_cast<int>(field), value ? value : L"");             \
+            Log().AssignedText(#name, value);                                                                \
+            return result;                                                                                   \
+        });                                                                                                  \
+    }
+
+MODEM_TEXT(ModemTitle, ModemText::Title)
+MODEM_TEXT(ModemInitCommand, ModemText::Init)
+MODEM_TEXT(ModemDialToneCommand, ModemText::DialTone)
+MODEM_TEXT(ModemDialPulseCommand, ModemText::DialPulse)
+MODEM_TEXT(ModemAnswerCommand, ModemText::Answer)
+MODEM_TEXT(ModemHangUpCommand, ModemText::HangUp)
+
+#undef MODEM_TEXT
+
+READ_CACHED(ModemIndex, LONG, m_nModemIndex)
+
+// The value stays, even where there is no such line.
+STDMETHODIMP CTarnCommCtl::put_ModemIndex(LONG value) {
+    return Body([&]() -> HRESULT {
+        m_Properties.m_nModemIndex = value;
+        DWORD device = 0;
+        if (!FindLine(m_Tapi, value, device))
+            return ReportError(GeneralFailure, "Modem not found.");
+        const HRESULT result =
+            SetModemOption(static_cast<int>(ModemText::Title), WideOf(m_Tapi.GetModemName(device)));
+        Log().Assigned("ModemIndex", value);
+        return result;
+    });
+}
+
+STDMETHODIMP CTarnCommCtl::put_FillModemCombo(LONG value) {
+    return Body(
+        [&] { return FillNames(*this, "FillModemCombo", value, FillComboWithModemNames, CB_ADDSTRING); });
+}
+
+STDMETHODIMP CTarnCommCtl::put_FillModemList(LONG value) {
+    return Body(
+        [&] { return FillNames(*this, "FillModemList", value, FillListWithModemNames, LB_ADDSTRING); });
+}
+
+STDMETHODIMP CTarnCommCtl::get_AnswerCalls(VARIANT_BOOL* value) {
+    return ReadCached("AnswerCalls", m_bAnswerCalls, value);
+}
+
+// A failure is told to the log alone.
+STDMETHODIMP CTarnCommCtl::put_AnswerCalls(VARIANT_BOOL value) {
+    return Body([&]() -> HRESULT {
+        const bool wanted = value != VARIANT_FALSE;
+        const auto log = [&](const char* outcome) { Log().AssignedBool(outcome, wanted); };
+        if (wanted == (m_bAnswerCalls != 0)) {
+            log("AnswerCalls (no change) ");
+            return S_OK;
+        }
+        const int line = m_Tapi.FindModem(m_Properties.m_szPort);
+        if (line == noLine) {
+            log("AnswerCalls (modem not found) ");
+            return S_OK;
+        }
+        const bool answers = m_Tapi.SetAnswer(wanted, static_cast<DWORD>(line));
+        m_bAnswerCalls = answers;
+        log(answers == wanted ? "AnswerCalls (succeeded) " : "AnswerCalls (failed) ");
+        return S_OK;
+    });
+}
+
+STDMETHODIMP CTarnCommCtl::get_Locations(ITapiLocation** value) {
+    return Body([&]() -> HRESULT {
+        if (!value)
+            return E_POINTER;
+        *value = nullptr;
+        const ComPtr<CTapiLocation> locations = m_pLocations;
+        Log().ReturnsWord("Locations", "Collection");
+        locations->Fill(WideTexts(m_Tapi.Locations()));
+        return locations->QueryInterface(IID_PPV_ARGS(value));
+    });
+}
+
+STDMETHODIMP CTarnCommCtl::get_Location(BSTR* value) {
+    return Body([&]() -> HRESULT {
+        if (!value)
+            return E_POINTER;
+        *value = nullptr;
+        if (m_Tapi.IsDisabled())
+            return TelephonyFailure(*this);
+        *value = MakeBstr(m_Tapi.GetCurrentLocationName());
+        Log().ReturnsText("Location", *value);
+        return S_OK;
+    });
+}
+
+STDMETHODIMP CTarnCommCtl::put_Location(BSTR value) {
+    return Body([&]() -> HRESULT {
+        if (m_Tapi.IsDisabled())
+            return TelephonyFailure(*this);
+        if (!m_Tapi.SetCurrentLocation(AnsiOf(value).c_str()))
+            return ReportError(GeneralFailure, "Not a valid location.");
+        Log().AssignedText("Location", value);
+        return S_OK;
+    });
+}
+
+STDMETHODIMP CTarnCommCtl::get_Config(BSTR* value) {
+    return Body([&]() -> HRESULT {
+        if (!value)
+            return E_POINTER;
+        *value = nullptr;
+        const int line = m_Tapi.FindModem(m_Properties.m_szPort);
+        if (line != noLine)
+            *value = MakeBstr(m_Tapi.GetDeviceConfig(static_cast<DWORD>(line)));
+        Log().ReturnsText("Config", *value);
+        return S_OK;
+    });
+}
+
+STDMETHODIMP CTarnCommCtl::put_Config(BSTR value) {
+    return Body([&]() -> HRESULT {
+        Log().AssignedText("Config", value);
+        const int line = m_Tapi.FindModem(m_Properties.m_szPort);
+        if (line != noLine)
+            m_Tapi.SetDeviceConfig(static_cast<DWORD>(line), AnsiOf(value).c_str());
+        return S_OK;
+    });
+}
+
+// Nobody enumerates the machine's ports yet, so the collection is empty.
+STDMETHODIMP CTarnCommCtl::get_CommPorts(ICommPort** value) {
+    return Body([&]() -> HRESULT {
+        if (!value)
+            return E_POINTER;
+        *value = nullptr;
+        const ComPtr<CCommPort> ports = m_pCommPorts;
+        if (!ports)
+            return S_OK;
+        Log().ReturnsWord("CommPorts", "Collection");
+        return ports->QueryInterface(IID_PPV_ARGS(value));
+    });
+}
