@@ -1,8 +1,9 @@
 // Text at the border: UTF-16 outside, the system's 8-bit code page inside.
 #pragma once
 
-#include <oleauto.h>
 #include <windows.h>
+
+#include <oleauto.h>
 
 #include <string>
 #include <string_view>
