@@ -625,7 +625,8 @@ TARN_IMPORT INT_PTR TARNAPI DlgProc(HWND hDialog, UINT message, WPARAM wParam, L
 /* A modem at the open port, driven by the commands that Dennis Hayes's Smartmodem of 1981 began with ("AT").
  * Those that talk to it wait, for its words and between commands. A wait that runs already (GetBusy) makes
  * them find no word, and so does a transfer, into whose line they would speak. SetShutDown ends the waits:
- * what is still to be sent goes out without its pauses. An object that is destroyed meanwhile ends them. */
+ * what is still to be sent goes out without its pauses. An object that is destroyed meanwhile ends them.
+ * Automatic processing of serial input reads the same line and may take a word of the modem: turn it off. */
 
 /* How the modem is driven: seven fields, each closed by a tab but the last: title, set-up, tone prefix, pulse
  * prefix, answer set-up, hang-up, line speed (kept, not read). Up to TARN_MODEM_OPTIONS_SIZE - 2 characters

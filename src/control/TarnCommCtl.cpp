@@ -199,7 +199,8 @@ void CTarnCommCtl::OnAmbientChanged(DISPID) {}
 
 // Tab and arrows belong to the terminal.
 bool CTarnCommCtl::OnTranslateAccelerator(MSG& message) {
-    const bool isKey = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
+    const UINT kind = message.message; // of a character the codes would mean something else
+    const bool isKey = kind == WM_KEYDOWN || kind == WM_KEYUP || kind == WM_SYSKEYDOWN || kind == WM_SYSKEYUP;
     const bool isOurs = message.wParam == VK_TAB || (message.wParam >= VK_LEFT && message.wParam <= VK_DOWN);
     if (!isKey || !isOurs || !m_hWndComm)
         return false;

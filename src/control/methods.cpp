@@ -3,6 +3,7 @@
 #include "core/live.h"
 #include "core/portprobe.h"
 #include "core/portsignals.h"
+#include "objectaccess.h"
 #include "propertyrows.h"
 
 #include <algorithm>
@@ -72,8 +73,11 @@ STDMETHODIMP CTarnCommCtl::WaitUntilEndOfTransfer(VARIANT_BOOL* Result) {
     return Body([&]() -> HRESULT {
         if (!Result)
             return E_POINTER;
-        WaitUntilTransferIsFinished(CommObject());
-        *Result = GetTransferStatus(CommObject()) == TARN_TRANSFER_SUCCESS ? VARIANT_TRUE : VARIANT_FALSE;
+        const HWND object = CommObject();
+        WaitUntilTransferIsFinished(object);
+        // An object that is gone has the status of a success.
+        const bool good = ControlOf(object) == this && GetTransferStatus(object) == TARN_TRANSFER_SUCCESS;
+        *Result = good ? VARIANT_TRUE : VARIANT_FALSE;
         return S_OK;
     });
 }

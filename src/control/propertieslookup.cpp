@@ -12,7 +12,6 @@
 namespace {
 
 constexpr LONG noMatch = -1;
-constexpr int processesInput = 1; // bit of the automatic processing
 
 // The texts as the engine wants them: each with its NUL, an empty one at the end.
 std::string ListOf(const std::wstring& texts, char separator) {
@@ -78,7 +77,8 @@ STDMETHODIMP CTarnCommCtl::get_LookUp(LONG* value) {
             return E_POINTER;
         *value = 0;
         ClearPendingError(CommObject());
-        if (GetAutoProcess(CommObject()) & processesInput) {
+        const int process = GetAutoProcess(CommObject());
+        if (process == TARN_PROCESS_SERIAL || process == TARN_PROCESS_BOTH) {
             *value = LookUpMatchOf(CommObject());
         } else {
             const CBusyGuard Busy(*this, "LookUp");
@@ -93,6 +93,8 @@ STDMETHODIMP CTarnCommCtl::get_LookUp(LONG* value) {
 
 // The host may do anything meanwhile; the texts of the start count.
 LONG CTarnCommCtl::WaitForLookUp() {
+    if (ControlOf(CommObject()) != this)
+        return noMatch; // the look-up of a dead object would give the first text
     const std::string list = ListOf(m_Properties.m_sLookUpText, m_Properties.m_chLookUpSeparator);
     SetLookUpTimeOut(CommObject(), m_Properties.m_lLookUpTimeOut);
     if (!m_Properties.m_cbLookUpInputLen)

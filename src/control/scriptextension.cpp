@@ -1,6 +1,7 @@
 #include "scriptextension.h"
 
 #include "ansi.h"
+#include "objectaccess.h"
 #include "TarnComm.h"
 #include "TarnCommCtl.h"
 
@@ -131,9 +132,12 @@ STDMETHODIMP CScriptExtension::WaitFor(VARIANT Text1, VARIANT Text2, VARIANT Tex
                 list.Add(LookUpList::separator + TextOf(value));
         }
         list.Separate();
-        SetLookUpTimeOut(control.CommObject(), waitForTimeOut_);
-        const int match = DiscardUntilLookUp(control.CommObject(), list.Texts());
-        if (match >= 0)
+        const HWND object = control.CommObject();
+        if (ControlOf(object) != &control)
+            return S_OK; // the look-up of a dead object would give the first text
+        SetLookUpTimeOut(object, waitForTimeOut_);
+        const int match = DiscardUntilLookUp(object, list.Texts());
+        if (match >= 0 && ControlOf(object) == &control)
             *Result = MakeBstr(list.At(match));
         return S_OK;
     });

@@ -240,6 +240,19 @@ TEST_F(ScriptExtensionTest, ReceiveLineIsLineInput) {
     EXPECT_STREQ(_bstr_t(line, false), L"a line");
 }
 
+TEST_F(ScriptExtensionTest, WithoutACommObjectNothingComes) {
+    DestroyWindow(control->CommObject());
+    EXPECT_EQ(WaitFor({L"x"}), L"");
+    EXPECT_EQ(control->put_LookUpText(_bstr_t(L"x")), S_OK);
+    EXPECT_EQ(control->put_AutoProcess(0), S_OK);
+    LONG found = 0;
+    EXPECT_EQ(control->get_LookUp(&found), S_OK);
+    EXPECT_EQ(found, -1);
+    VARIANT_BOOL good = VARIANT_TRUE;
+    EXPECT_EQ(control->WaitUntilEndOfTransfer(&good), S_OK);
+    EXPECT_EQ(good, VARIANT_FALSE);
+}
+
 TEST_F(ScriptExtensionTest, WithoutItsControlItDoesNothing) {
     Open();
     control.Reset();

@@ -255,20 +255,4 @@ TEST_F(ModemDial, FailureInsideIsNoCall) {
     SetIdleLoop(object, nullptr);
 }
 
-TEST_F(ModemDial, AutomaticProcessingLeavesTheWordToIt) {
-    SetAutoProcess(object, TARN_PROCESS_SERIAL);
-    SetDialTimeOut(object, 3000);
-    cable.Baud(2400); // a byte takes 4 ms, so there are many turns between them
-    for (const LONG interval : {0, 60}) {
-        SetInterval(object, interval);
-        Open();
-        for (int turn = 0; turn < 3; ++turn) {
-            Forget();
-            const auto answer = Answer("12\r", "RING\r\nRING\r\nRING\r\nCONNECT");
-            ASSERT_EQ(Dial(object, "12"), TARN_DIAL_CONNECTED) << interval << ", turn " << turn;
-        }
-        object.Close();
-    }
-}
-
 } // namespace
