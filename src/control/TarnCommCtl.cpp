@@ -17,7 +17,7 @@ constexpr DWORD miscStatus = 131473;
 constexpr UINT_PTR commWindowHook = 1;
 constexpr int commandOfCommObject = 0; // the identifier of the control's child
 
-const ControlFacts facts = {&CLSID_TarnComm, L"Tarn Link Objects", &DIID__ITarnCommEvents, "TarnCommControl",
+const ControlFacts facts = {&CLSID_TarnComm, L"Tarn Link Objects", &DIID__ITarnCommEvents, ControlWindowClass,
                             miscStatus};
 
 [[maybe_unused]] const bool connected = ConnectControlRoom({

@@ -255,7 +255,6 @@ class CTarnCommCtl final
 
   private:
     friend class CBusyGuard;
-    friend class CModemInfo;
 
     // Runs the body of a member, held and behind the wall.
     template <class Work>
@@ -271,6 +270,8 @@ class CTarnCommCtl final
     HRESULT ReadCached(const char* name, const Cached& cached, Value* value) noexcept;
     template <class Value, class Cached, class Flat>
     HRESULT Write(const char* name, Cached ControlProperties::*cached, Flat flat, Value value) noexcept;
+    template <class Make>
+    HRESULT ReadText(const char* name, BSTR* value, Make&& make) noexcept;
     template <class Value, class Flat>
     HRESULT WriteThrough(const char* name, Flat flat, Value value) noexcept;
     template <class Value, class Cached>
@@ -301,6 +302,8 @@ class CTarnCommCtl final
     void DropInvisibleObject();
     void DropWindowObject();
     void SetDefaultFont();
+    void PassEmulation();
+    void PassParityReplace();
     void PassFont();
     void Layout();
     void SetBorder();
@@ -308,8 +311,8 @@ class CTarnCommCtl final
     LONG WaitForLookUp();
     void SizeControl(AutoSize mode);
     HRESULT TakeFont(IFontDisp* font);
-    std::string ModemOption(int index);
-    HRESULT SetModemOption(int index, const std::wstring& text);
+    int LineOfPort() const;
+    bool GiveUpCall(); // the telephony service's answer
     void HangUpCall();
     HRESULT SetPlainPortOpen(bool open);
     HRESULT DialLine(DWORD device);

@@ -47,3 +47,11 @@ BSTR MakeBstr(std::string_view text) {
 BSTR MakeBstr(const std::wstring& text) {
     return MakeString(text.data(), text.size());
 }
+
+std::wstring TextOf(BSTR text) {
+    return text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+}
+
+BSTR NullOrBstr(const std::wstring& text) {
+    return text.empty() ? nullptr : MakeBstr(text);
+}

@@ -10,7 +10,6 @@
 namespace {
 
 constexpr const char* nameWithoutContainer = "TarnComm";
-constexpr int noParityReplace = -1;
 constexpr int emulationInPlaceOfNone = 1;
 
 } // namespace
@@ -42,7 +41,7 @@ void CTarnCommCtl::ApplyProperties() {
     SetDialTimeOut(object, p.m_lDialTimeOut);
     SetDSRTimeOut(object, p.m_lDSRTimeOut);
     SetEcho(object, p.m_bEcho);
-    SetEmulation(object, p.m_nEmulation ? p.m_nEmulation : emulationInPlaceOfNone);
+    PassEmulation();
     SetEndOfLineMode(object, p.m_nEndOfLineMode);
     SetHandshaking(object, p.m_nHandshaking);
     SetInBufferSize(object, p.m_cbInBufferSize);
@@ -54,8 +53,7 @@ void CTarnCommCtl::ApplyProperties() {
     SetNullDiscard(object, p.m_bNullDiscard);
     SetOutBufferSize(object, p.m_cbOutBufferSize);
 
-    const std::string replace = AnsiOf(p.m_sParityReplace);
-    SetParityReplace(object, replace.empty() ? noParityReplace : static_cast<BYTE>(replace[0]));
+    PassParityReplace();
 
     SetRows(object, p.m_nRows);
     SetRThreshold(object, p.m_nRThreshold);
@@ -76,6 +74,16 @@ void CTarnCommCtl::ApplyProperties() {
     if (m_szControlName.empty())
         m_szControlName = nameWithoutContainer;
     SetWindowTextA(object, m_szControlName.c_str());
+}
+
+void CTarnCommCtl::PassEmulation() {
+    const int emulation = m_Properties.m_nEmulation;
+    SetEmulation(CommObject(), emulation ? emulation : emulationInPlaceOfNone);
+}
+
+void CTarnCommCtl::PassParityReplace() {
+    const std::string replace = AnsiOf(m_Properties.m_sParityReplace.c_str());
+    SetParityReplace(CommObject(), replace.empty() ? noParityReplace : static_cast<BYTE>(replace[0]));
 }
 
 void CTarnCommCtl::SetWireTapFlags() {

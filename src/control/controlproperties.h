@@ -7,6 +7,8 @@
 #include <string>
 
 inline constexpr int trueFlag = -1;
+inline constexpr int noParityReplace = -1;
+inline constexpr const char* ControlWindowClass = "TarnCommControl";
 inline constexpr size_t PortNameSize = 100;
 inline constexpr size_t ControlModemOptionsSize = 1024;
 

@@ -108,7 +108,7 @@ HRESULT CTarnCommCtl::HostInputText(short maximum, bool password, BSTR* result) 
 
 STDMETHODIMP CTarnCommCtl::HostPrint(BSTR Text) {
     return Body([&]() -> HRESULT {
-        const std::string text = AnsiOf(std::wstring(Text ? Text : L"", SysStringLen(Text)));
+        const std::string text = AnsiOf(TextOf(Text));
         if (!Send(CommObject(), text))
             return ReportError(GeneralFailure, "Cannot write to the communications port.");
         return S_OK;

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int noDevice = -1;
-
 // The text of the screen from one place on, as far as the screen goes. Empty for a place outside of it.
 std::string_view ScreenFrom(HWND object, int column, int row, int length) {
     const char* screen = GetTextAt(object, 0, 0);
@@ -33,7 +31,7 @@ STDMETHODIMP CTarnCommCtl::GetPortType(BSTR PortName, PortType* Result) {
         const PortProbe probe = ProbePort(name.c_str());
         if (probe.found && probe.kind == PortKind::Serial)
             *Result = PortType_Serial;
-        else if (probe.found ? probe.kind == PortKind::Modem : m_Tapi.FindModem(name.c_str()) != noDevice)
+        else if (probe.found ? probe.kind == PortKind::Modem : m_Tapi.FindModem(name.c_str()) != noLine)
             *Result = PortType_Modem;
         else
             *Result = PortType_Unknown;
@@ -45,17 +43,10 @@ STDMETHODIMP CTarnCommCtl::TranslatePhoneNumber(BSTR Number, BSTR* Result) {
     return Body([&]() -> HRESULT {
         if (!Result)
             return E_POINTER;
-        DWORD device = 0;
-        bool isThere = false;
-        if (!*m_Properties.m_szPort) {
-            isThere = m_Tapi.FindNextDataModem(device);
-        } else {
-            const int found = m_Tapi.FindModem(m_Properties.m_szPort);
-            isThere = found != noDevice;
-            device = static_cast<DWORD>(found);
-        }
-        *Result =
-            MakeBstr(isThere ? m_Tapi.TranslatePhoneNumber(device, AnsiOf(Number).c_str()) : std::string());
+        const int line = LineOfPort();
+        *Result = MakeBstr(
+            line == noLine ? std::string()
+                           : m_Tapi.TranslatePhoneNumber(static_cast<DWORD>(line), AnsiOf(Number).c_str()));
         return S_OK;
     });
 }

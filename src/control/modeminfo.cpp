@@ -30,10 +30,10 @@ CModemInfo::CModemInfo(CTarnCommCtl& control) : control_(control) {
 }
 
 CModemInfo::~CModemInfo() {
-    const auto text = [this](ModemText field) { return (*this)[field].c_str(); };
+    const auto text = [this](ModemField field) { return (*this)[field].c_str(); };
     char(&options)[ControlModemOptionsSize] = control_.Properties().m_szModemOptions;
-    std::snprintf(options, sizeof options, "%s\t%s\t%s\t%s\t%s\t%s", text(ModemText::Title),
-                  text(ModemText::Init), text(ModemText::DialTone), text(ModemText::DialPulse),
-                  text(ModemText::Answer), text(ModemText::HangUp));
+    std::snprintf(options, sizeof options, "%s\t%s\t%s\t%s\t%s\t%s", text(ModemField::Title),
+                  text(ModemField::Init), text(ModemField::DialTone), text(ModemField::DialPulse),
+                  text(ModemField::Answer), text(ModemField::HangUp));
     SetModemOptions(control_.CommObject(), options);
 }

@@ -2,13 +2,11 @@
 // changed. There are six fields, so a seventh, the line's speed, goes missing; hosts see it gone.
 #pragma once
 
+#include "modem/modemoptions.h"
 #include "TarnCommCtl.h"
 
 #include <array>
 #include <string>
-
-// In the order of the options.
-enum class ModemText { Title, Init, DialTone, DialPulse, Answer, HangUp };
 
 class CModemInfo {
   public:
@@ -17,10 +15,10 @@ class CModemInfo {
     CModemInfo(const CModemInfo&) = delete;
     CModemInfo& operator=(const CModemInfo&) = delete;
 
-    std::string& operator[](ModemText field) { return fields_[static_cast<size_t>(field)]; }
+    std::string& operator[](ModemField field) { return fields_[static_cast<size_t>(field)]; }
 
   private:
-    static constexpr size_t fieldCount = 6;
+    static constexpr size_t fieldCount = 6; // up to ModemField::HangUp
 
     CTarnCommCtl& control_;
     std::array<std::string, fieldCount> fields_;

@@ -4,20 +4,13 @@
 #include "objectaccess.h"
 #include "propertyrows.h"
 
-namespace {
-
-constexpr int noLine = -1;
-
-int LineOfPort(CTarnCommCtl& control) {
-    const CTapiApp& telephony = control.Telephony();
-    const char* szPort = control.Properties().m_szPort;
-    if (*szPort)
-        return telephony.FindModem(szPort);
+// The line that the port's name stands for, the first usable one for no name, or noLine.
+int CTarnCommCtl::LineOfPort() const {
+    if (*m_Properties.m_szPort)
+        return m_Tapi.FindModem(m_Properties.m_szPort);
     DWORD device = 0;
-    return telephony.FindNextDataModem(device) ? static_cast<int>(device) : noLine;
+    return m_Tapi.FindNextDataModem(device) ? static_cast<int>(device) : noLine;
 }
-
-} // namespace
 
 READ(PortOpen, VARIANT_BOOL, GetPortOpen)
 
@@ -32,7 +25,7 @@ STDMETHODIMP CTarnCommCtl::put_PortOpen(VARIANT_BOOL value) {
         }
         if (open == (GetPortOpen(CommObject()) != 0))
             return S_OK;
-        const int line = open ? LineOfPort(*this) : noLine;
+        const int line = open ? LineOfPort() : noLine;
         const HRESULT result = line == noLine ? SetPlainPortOpen(open) : DialLine(static_cast<DWORD>(line));
         if (SUCCEEDED(result))
             UpdateStatus();
@@ -40,11 +33,16 @@ STDMETHODIMP CTarnCommCtl::put_PortOpen(VARIANT_BOOL value) {
     });
 }
 
-void CTarnCommCtl::HangUpCall() {
-    m_Tapi.HangUp();
+bool CTarnCommCtl::GiveUpCall() {
+    const bool done = m_Tapi.HangUp();
     SetCommID(CommObject(), INVALID_HANDLE_VALUE);
     NotifyObject(CommObject(), TARN_EVENT_CARRIER);
     m_bConnected = false;
+    return done;
+}
+
+void CTarnCommCtl::HangUpCall() {
+    GiveUpCall();
     m_bTapiCall = false;
     UpdateStatus();
 }

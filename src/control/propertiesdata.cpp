@@ -28,10 +28,6 @@ constexpr const char* cannotWrite = "Cannot write to the communications port.";
 constexpr const char* bufferIsFull =
     "The OutputBuffer is full.  Increase the value of the OutTimeOut property.";
 
-std::wstring TextOf(BSTR text) {
-    return text ? std::wstring(text, SysStringLen(text)) : std::wstring();
-}
-
 // ---- Input ----
 
 // Posted messages that nobody takes, such as a WM_QUIT, must not make this a loop without pauses.

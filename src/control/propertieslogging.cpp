@@ -43,12 +43,5 @@ STDMETHODIMP CTarnCommCtl::get_WireTapTransfer(VARIANT_BOOL* value) {
     return S_OK;
 }
 
-STDMETHODIMP CTarnCommCtl::put_WireTapTransfer(VARIANT_BOOL value) {
-    return Body([&] {
-        m_Properties.m_bWireTapTransfer = value;
-        SetWireTapFlags();
-        Log().AssignedBool("WireTapTransfer", value != VARIANT_FALSE);
-        FireOnChanged(dispidWireTapTransfer);
-        return S_OK;
-    });
-}
+WRITE_TOLD(WireTapTransfer, VARIANT_BOOL, m_bWireTapTransfer, ([this](HWND, int) { SetWireTapFlags(); }),
+           dispidWireTapTransfer)

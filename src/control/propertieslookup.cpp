@@ -1,31 +1,17 @@
 // The look-up of the control: waiting for one of several texts, or the match inside of the LookUp event.
 #include "ansi.h"
 #include "guards.h"
+#include "lookuplist.h"
 #include "objectaccess.h"
 #include "propertyrows.h"
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <new>
 
 namespace {
 
 constexpr LONG noMatch = -1;
-
-// The texts as the engine wants them: each with its NUL, an empty one at the end.
-std::string ListOf(const std::wstring& texts, char separator) {
-    std::string list = AnsiOf(texts) + '\0';
-    std::ranges::replace(list, separator, '\0');
-    return list;
-}
-
-std::string_view EntryOf(const std::string& list, LONG index) {
-    const char* entry = list.c_str();
-    for (; index > 0; --index)
-        entry += std::strlen(entry) + 1;
-    return entry;
-}
 
 bool EndsWith(std::string_view text, std::string_view end) {
     const auto length = static_cast<int>(end.size());
@@ -60,7 +46,7 @@ Found ReadUntil(HWND object, const std::string& list, LONG limit) {
         return found;
     found.index = InputUntilLookUp(object, list.c_str(), buffer.get(), limit + 1);
     const std::string_view input = Filled(buffer.get(), static_cast<size_t>(limit));
-    found.before = found.index == noMatch ? input : WithoutMatch(input, EntryOf(list, found.index));
+    found.before = found.index == noMatch ? input : WithoutMatch(input, LookUpEntry(list, found.index));
     return found;
 }
 
@@ -95,7 +81,8 @@ STDMETHODIMP CTarnCommCtl::get_LookUp(LONG* value) {
 LONG CTarnCommCtl::WaitForLookUp() {
     if (ControlOf(CommObject()) != this)
         return noMatch; // the look-up of a dead object would give the first text
-    const std::string list = ListOf(m_Properties.m_sLookUpText, m_Properties.m_chLookUpSeparator);
+    const std::string list =
+        LookUpListOf(AnsiOf(m_Properties.m_sLookUpText), m_Properties.m_chLookUpSeparator);
     SetLookUpTimeOut(CommObject(), m_Properties.m_lLookUpTimeOut);
     if (!m_Properties.m_cbLookUpInputLen)
         return DiscardUntilLookUp(CommObject(), list.c_str());
@@ -104,24 +91,12 @@ LONG CTarnCommCtl::WaitForLookUp() {
     return found.index;
 }
 
-STDMETHODIMP CTarnCommCtl::get_LookUpInput(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = MakeBstr(m_Properties.m_sLookUpInput);
-        Log().ReturnsText("LookUpInput", *value);
-        return S_OK;
-    });
-}
+READ_TEXT(LookUpInput, m_sLookUpInput)
 
 STDMETHODIMP CTarnCommCtl::get_LookUpSeparator(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
+    return ReadText("LookUpSeparator", value, [this] {
         const char text[] = {m_Properties.m_chLookUpSeparator, '\0'};
-        *value = MakeBstr(std::string_view(text));
-        Log().ReturnsText("LookUpSeparator", *value);
-        return S_OK;
+        return MakeBstr(std::string_view(text));
     });
 }
 
@@ -134,15 +109,7 @@ STDMETHODIMP CTarnCommCtl::put_LookUpSeparator(BSTR value) {
     });
 }
 
-STDMETHODIMP CTarnCommCtl::get_LookUpText(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = MakeBstr(m_Properties.m_sLookUpText);
-        Log().ReturnsText("LookUpText", *value);
-        return S_OK;
-    });
-}
+READ_TEXT(LookUpText, m_sLookUpText)
 
 STDMETHODIMP CTarnCommCtl::put_LookUpText(BSTR value) {
     return Body([&] {

@@ -7,13 +7,6 @@
 
 namespace {
 
-constexpr int noLine = -1;
-
-// No text is null, not an empty string.
-BSTR NullOrBstr(const std::wstring& text) {
-    return text.empty() ? nullptr : MakeBstr(text);
-}
-
 // Waits for the modem's words.
 HRESULT AskModem(CTarnCommCtl& control, const char* name, int(TARNAPI* flat)(HWND), VARIANT_BOOL* value) {
     if (!value)
@@ -78,14 +71,7 @@ CACHED(UseTAPI, VARIANT_BOOL, m_bUseTAPI)
 
 // The log has it under another name; programs that read logs know it so.
 STDMETHODIMP CTarnCommCtl::get_PhoneNumber(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = nullptr;
-        *value = NullOrBstr(m_Properties.m_sPhoneNumber);
-        Log().ReturnsText("ProjectPhoneNumber", *value);
-        return S_OK;
-    });
+    return ReadText("ProjectPhoneNumber", value, [this] { return NullOrBstr(m_Properties.m_sPhoneNumber); });
 }
 
 STDMETHODIMP CTarnCommCtl::put_PhoneNumber(BSTR value) {
@@ -105,10 +91,7 @@ STDMETHODIMP CTarnCommCtl::get_HangUp(VARIANT_BOOL* value) {
     return Body([&]() -> HRESULT {
         if (!value)
             return E_POINTER;
-        const bool done = m_Tapi.HangUp();
-        SetCommID(CommObject(), INVALID_HANDLE_VALUE);
-        NotifyObject(CommObject(), TARN_EVENT_CARRIER);
-        m_bConnected = false;
+        const bool done = GiveUpCall();
         *value = done ? VARIANT_TRUE : VARIANT_FALSE;
         Log().ReturnsBool("HangUp", done);
         return S_OK;
@@ -124,42 +107,24 @@ STDMETHODIMP CTarnCommCtl::get_InitModemForAnswer(VARIANT_BOOL* value) {
 }
 
 // The fields of the modem options. A look at one writes all of them anew.
-std::string CTarnCommCtl::ModemOption(int index) {
-    CModemInfo Info(*this);
-    return Info[static_cast<ModemText>(index)];
-}
-
-HRESULT CTarnCommCtl::SetModemOption(int index, const std::wstring& text) {
-    CModemInfo Info(*this);
-    Info[static_cast<ModemText>(index)] = AnsiOf(text);
-    return S_OK;
-}
-
 #define MODEM_TEXT(name, field)                                                                              \
     STDMETHODIMP CTarnCommCtl::get_##name(BSTR* value) {                                                     \
-        return Body([&]() -> HRESULT {                                                                       \
-            if (!value)                                                                                      \
-                return E_POINTER;                                                                            \
-            *value = nullptr;                                                                                \
-            *value = MakeBstr(ModemOption(static_cast<int>(field)));                                         \
-            Log().ReturnsText(#name, *value);                                                                \
-            return S_OK;                                                                                     \
-        });                                                                                                  \
+        return ReadText(#name, value, [this] { return MakeBstr(CModemInfo(*this)[field]); });                \
     }                                                                                                        \
     STDMETHODIMP CTarnCommCtl::put_##name(BSTR value) {                                                      \
-        return Body([&]() -> HRESULT {                                                                       \
-            const HRESULT result = SetModemOption(static_cast<int>(field), value ? value : L"");             \
+        return Body([&] {                                                                                    \
+            CModemInfo(*this)[field] = AnsiOf(value);                                                        \
             Log().AssignedText(#name, value);                                                                \
-            return result;                                                                                   \
+            return S_OK;                                                                                     \
         });                                                                                                  \
     }
 
-MODEM_TEXT(ModemTitle, ModemText::Title)
-MODEM_TEXT(ModemInitCommand, ModemText::Init)
-MODEM_TEXT(ModemDialToneCommand, ModemText::DialTone)
-MODEM_TEXT(ModemDialPulseCommand, ModemText::DialPulse)
-MODEM_TEXT(ModemAnswerCommand, ModemText::Answer)
-MODEM_TEXT(ModemHangUpCommand, ModemText::HangUp)
+MODEM_TEXT(ModemTitle, ModemField::Title)
+MODEM_TEXT(ModemInitCommand, ModemField::Init)
+MODEM_TEXT(ModemDialToneCommand, ModemField::DialTone)
+MODEM_TEXT(ModemDialPulseCommand, ModemField::DialPulse)
+MODEM_TEXT(ModemAnswerCommand, ModemField::Answer)
+MODEM_TEXT(ModemHangUpCommand, ModemField::HangUp)
 
 #undef MODEM_TEXT
 
@@ -172,10 +137,9 @@ STDMETHODIMP CTarnCommCtl::put_ModemIndex(LONG value) {
         DWORD device = 0;
         if (!FindLine(m_Tapi, value, device))
             return ReportError(GeneralFailure, "Modem not found.");
-        const HRESULT result =
-            SetModemOption(static_cast<int>(ModemText::Title), WideOf(m_Tapi.GetModemName(device)));
+        CModemInfo(*this)[ModemField::Title] = m_Tapi.GetModemName(device);
         Log().Assigned("ModemIndex", value);
-        return result;
+        return S_OK;
     });
 }
 
@@ -251,15 +215,9 @@ STDMETHODIMP CTarnCommCtl::put_Location(BSTR value) {
 }
 
 STDMETHODIMP CTarnCommCtl::get_Config(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = nullptr;
+    return ReadText("Config", value, [this]() -> BSTR {
         const int line = m_Tapi.FindModem(m_Properties.m_szPort);
-        if (line != noLine)
-            *value = MakeBstr(m_Tapi.GetDeviceConfig(static_cast<DWORD>(line)));
-        Log().ReturnsText("Config", *value);
-        return S_OK;
+        return line == noLine ? nullptr : MakeBstr(m_Tapi.GetDeviceConfig(static_cast<DWORD>(line)));
     });
 }
 

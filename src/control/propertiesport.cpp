@@ -11,7 +11,6 @@ namespace {
 
 constexpr DISPID settingsId = 1;
 constexpr DISPID rThresholdId = 90;
-constexpr int noParityReplace = -1;
 constexpr int firstErrorCode = 1000; // events are below
 
 bool IsNumber(VARTYPE type) {
@@ -92,16 +91,11 @@ STDMETHODIMP CTarnCommCtl::put_CommPort(VARIANT value) {
 }
 
 STDMETHODIMP CTarnCommCtl::get_Settings(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = nullptr;
+    return ReadText("Settings", value, [this] {
         OutputDebugStringA("Settings read\n");
         char settings[TARN_SETTINGS_TEXT_SIZE] = {};
         GetSettings(CommObject(), settings);
-        *value = MakeBstr(std::string_view(settings));
-        Log().ReturnsText("Settings", *value);
-        return S_OK;
+        return MakeBstr(std::string_view(settings));
     });
 }
 
@@ -116,16 +110,7 @@ STDMETHODIMP CTarnCommCtl::put_Settings(BSTR value) {
     });
 }
 
-STDMETHODIMP CTarnCommCtl::get_PortStatus(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = nullptr;
-        *value = MakeBstr(m_Properties.m_sPortStatus);
-        Log().ReturnsText("PortStatus", *value);
-        return S_OK;
-    });
-}
+READ_TEXT(PortStatus, m_sPortStatus)
 
 STDMETHODIMP CTarnCommCtl::get_CommHandle(LONG* value) {
     return Read(
@@ -175,35 +160,22 @@ STDMETHODIMP CTarnCommCtl::put_OutBufferCount(LONG value) {
 }
 
 READ(RThreshold, LONG, GetRThreshold)
-STDMETHODIMP CTarnCommCtl::put_RThreshold(LONG value) {
-    return Body([&]() -> HRESULT {
-        const HRESULT result = Write("RThreshold", &ControlProperties::m_nRThreshold, SetRThreshold, value);
-        FireOnChanged(rThresholdId);
-        return result;
-    });
-}
-
+WRITE_TOLD(RThreshold, LONG, m_nRThreshold, SetRThreshold, rThresholdId)
 PLAIN(SThreshold, LONG, m_nSThreshold, GetSThreshold, SetSThreshold)
 PLAIN(NullDiscard, VARIANT_BOOL, m_bNullDiscard, GetNullDiscard, SetNullDiscard)
 
 STDMETHODIMP CTarnCommCtl::get_ParityReplace(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = nullptr;
+    return ReadText("ParityReplace", value, [this] {
         const int code = GetParityReplace(CommObject());
         const char c = static_cast<char>(code);
-        *value = MakeBstr(code == noParityReplace ? std::string_view() : std::string_view(&c, 1));
-        Log().ReturnsText("ParityReplace", *value);
-        return S_OK;
+        return MakeBstr(code == noParityReplace ? std::string_view() : std::string_view(&c, 1));
     });
 }
 
 STDMETHODIMP CTarnCommCtl::put_ParityReplace(BSTR value) {
     return Body([&]() -> HRESULT {
         m_Properties.m_sParityReplace = value ? value : L"";
-        const std::string text = AnsiOf(value);
-        SetParityReplace(CommObject(), text.empty() ? noParityReplace : static_cast<BYTE>(text.front()));
+        PassParityReplace();
         Log().AssignedText("ParityReplace", value);
         return S_OK;
     });

@@ -4,15 +4,7 @@
 #include "scriptextension.h"
 
 STDMETHODIMP CTarnCommCtl::get_ProjectFilename(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = nullptr; // for none
-        if (!m_Properties.m_sProjectFilename.empty())
-            *value = MakeBstr(m_Properties.m_sProjectFilename);
-        Log().ReturnsText("ProjectFilename", *value);
-        return S_OK;
-    });
+    return ReadText("ProjectFilename", value, [this] { return NullOrBstr(m_Properties.m_sProjectFilename); });
 }
 
 // Logs another property in its place; kept so, see the tests.

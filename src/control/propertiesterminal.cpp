@@ -12,7 +12,6 @@ namespace {
 
 constexpr DISPID dispidColumns = 21;
 constexpr DISPID dispidEmulation = 50;
-constexpr int emulationInPlaceOfNone = 1;
 constexpr int colorBits = 4; // of the foreground; the background lies above
 constexpr int colorMask = 15;
 
@@ -74,7 +73,9 @@ UNCACHED(CursorRow, LONG, GetCursorRow, SetCursorRow)
 UNCACHED(SelLength, LONG, GetSelectionLength, SetSelectionLength)
 UNCACHED(SelStart, LONG, GetSelectionStart, SetSelectionStart)
 READ(Columns, LONG, GetColumns)
+WRITE_TOLD(Columns, LONG, m_nColumns, SetColumns, dispidColumns)
 READ_CACHED(Emulation, Emulation, m_nEmulation)
+WRITE_TOLD(Emulation, Emulation, m_nEmulation, ([this](HWND, int) { PassEmulation(); }), dispidEmulation)
 READ(BackColor, TerminalColor, [](HWND object) { return GetColor(object) >> colorBits; })
 READ(ForeColor, TerminalColor, [](HWND object) { return GetColor(object) & colorMask; })
 READ(AutoScroll, LONG,
@@ -95,26 +96,6 @@ SCROLL_FLAG(AutoScrollColumn)
 SCROLL_FLAG(AutoScrollKeyboard)
 
 #undef SCROLL_FLAG
-
-STDMETHODIMP CTarnCommCtl::put_Columns(LONG value) {
-    return Body([&] {
-        m_Properties.m_nColumns = value;
-        SetColumns(CommObject(), value);
-        Log().Assigned("Columns", value);
-        FireOnChanged(dispidColumns);
-        return S_OK;
-    });
-}
-
-STDMETHODIMP CTarnCommCtl::put_Emulation(Emulation value) {
-    return Body([&] {
-        m_Properties.m_nEmulation = value;
-        SetEmulation(CommObject(), value ? value : emulationInPlaceOfNone);
-        Log().Assigned("Emulation", value);
-        FireOnChanged(dispidEmulation);
-        return S_OK;
-    });
-}
 
 // A design shows the colour at once.
 STDMETHODIMP CTarnCommCtl::put_BackColor(TerminalColor value) {
@@ -138,13 +119,8 @@ STDMETHODIMP CTarnCommCtl::put_ForeColor(TerminalColor value) {
 }
 
 STDMETHODIMP CTarnCommCtl::get_Contents(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        const HWND object = CommObject();
-        *value = MakeBstr(TextFrom(GetContents, object, RoomForRows(object, GetRows(object))));
-        Log().ReturnsText("Contents", *value);
-        return S_OK;
+    return ReadText("Contents", value, [object = CommObject()] {
+        return MakeBstr(TextFrom(GetContents, object, RoomForRows(object, GetRows(object))));
     });
 }
 
@@ -158,25 +134,15 @@ STDMETHODIMP CTarnCommCtl::put_Contents(BSTR value) {
 }
 
 STDMETHODIMP CTarnCommCtl::get_ScrollContents(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        const HWND object = CommObject();
-        *value = MakeBstr(TextFrom(GetScrollContents, object, RoomForRows(object, GetScrollRows(object))));
-        Log().ReturnsText("ScrollContents", *value);
-        return S_OK;
+    return ReadText("ScrollContents", value, [object = CommObject()] {
+        return MakeBstr(TextFrom(GetScrollContents, object, RoomForRows(object, GetScrollRows(object))));
     });
 }
 
 STDMETHODIMP CTarnCommCtl::get_SelText(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        const HWND object = CommObject();
+    return ReadText("SelText", value, [object = CommObject()] {
         const long long room = GetSelectionLength(object) + 2LL * GetRows(object);
-        *value = MakeBstr(TextFrom(GetSelectionText, object, room));
-        Log().ReturnsText("SelText", *value);
-        return S_OK;
+        return MakeBstr(TextFrom(GetSelectionText, object, room));
     });
 }
 
@@ -198,15 +164,7 @@ STDMETHODIMP CTarnCommCtl::put_DisplayLine(BSTR value) {
     });
 }
 
-STDMETHODIMP CTarnCommCtl::get_CaptureFilename(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = MakeBstr(m_Properties.m_sCaptureFilename);
-        Log().ReturnsText("CaptureFilename", *value);
-        return S_OK;
-    });
-}
+READ_TEXT(CaptureFilename, m_sCaptureFilename)
 
 STDMETHODIMP CTarnCommCtl::put_CaptureFilename(BSTR value) {
     return Body([&] {

@@ -71,13 +71,7 @@ STDMETHODIMP CTarnCommCtl::put_XferPath(BSTR value) {
 }
 
 STDMETHODIMP CTarnCommCtl::get_XferDestFilename(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = NameFrom(GetDestFilename, CommObject());
-        Log().ReturnsText("XferDestFilename", *value);
-        return S_OK;
-    });
+    return ReadText("XferDestFilename", value, [this] { return NameFrom(GetDestFilename, CommObject()); });
 }
 
 STDMETHODIMP CTarnCommCtl::put_XferDestFilename(BSTR value) {
@@ -89,13 +83,8 @@ STDMETHODIMP CTarnCommCtl::put_XferDestFilename(BSTR value) {
 }
 
 STDMETHODIMP CTarnCommCtl::get_XferSourceFilename(BSTR* value) {
-    return Body([&]() -> HRESULT {
-        if (!value)
-            return E_POINTER;
-        *value = NameFrom(GetSourceFilename, CommObject());
-        Log().ReturnsText("XferSourceFilename", *value);
-        return S_OK;
-    });
+    return ReadText("XferSourceFilename", value,
+                    [this] { return NameFrom(GetSourceFilename, CommObject()); });
 }
 
 STDMETHODIMP CTarnCommCtl::get_XferMessage(BSTR* value) {

@@ -4,6 +4,7 @@
 //     PLAIN(Rows, LONG, m_nRows, GetRows, SetRows)
 #pragma once
 
+#include "ansi.h"
 #include "TarnComm.h"
 #include "TarnCommCtl.h"
 
@@ -91,6 +92,18 @@ HRESULT CTarnCommCtl::WriteCached(const char* name, Cached ControlProperties::*c
     });
 }
 
+template <class Make>
+HRESULT CTarnCommCtl::ReadText(const char* name, BSTR* value, Make&& make) noexcept {
+    return Body([&]() -> HRESULT {
+        if (!value)
+            return E_POINTER;
+        *value = nullptr; // what stays if there is no memory
+        *value = make();
+        Log().ReturnsText(name, *value);
+        return S_OK;
+    });
+}
+
 // Rows. READ and WRITE are the two halves, for properties of which only one is plain.
 #define READ(name, Value, get)                                                                               \
     STDMETHODIMP CTarnCommCtl::get_##name(Value* value) {                                                    \
@@ -99,6 +112,19 @@ HRESULT CTarnCommCtl::WriteCached(const char* name, Cached ControlProperties::*c
 #define WRITE(name, Value, cached, set)                                                                      \
     STDMETHODIMP CTarnCommCtl::put_##name(Value value) {                                                     \
         return Write(#name, &ControlProperties::cached, set, value);                                         \
+    }
+// As WRITE, and the sinks of IPropertyNotifySink hear of it.
+#define WRITE_TOLD(name, Value, cached, set, id)                                                             \
+    STDMETHODIMP CTarnCommCtl::put_##name(Value value) {                                                     \
+        return Body([&] {                                                                                    \
+            const HRESULT result = Write(#name, &ControlProperties::cached, set, value);                     \
+            FireOnChanged(id);                                                                               \
+            return result;                                                                                   \
+        });                                                                                                  \
+    }
+#define READ_TEXT(name, cached)                                                                              \
+    STDMETHODIMP CTarnCommCtl::get_##name(BSTR* value) {                                                     \
+        return ReadText(#name, value, [this] { return MakeBstr(m_Properties.cached); });                     \
     }
 #define READ_CACHED(name, Value, cached)                                                                     \
     STDMETHODIMP CTarnCommCtl::get_##name(Value* value) {                                                    \

@@ -1,15 +1,12 @@
 #include "scriptextension.h"
 
 #include "ansi.h"
+#include "lookuplist.h"
 #include "objectaccess.h"
 #include "TarnComm.h"
 #include "TarnCommCtl.h"
 
 #include <comdef.h>
-
-#include <algorithm>
-#include <array>
-#include <cstring>
 
 namespace {
 
@@ -20,35 +17,8 @@ HRESULT With(CTarnCommCtl* control, Work&& work) noexcept {
     return control ? AsResult([&] { return work(*control); }) : S_OK;
 }
 
-// The texts of one WaitFor, behind each other as the look-up wants them: each ends with a zero byte, the last
-// with two.
-class LookUpList {
-  public:
-    // What does not fit is cut.
-    void Add(std::string_view text) {
-        const size_t count = std::min(text.size(), longest - used_);
-        std::copy_n(text.data(), count, bytes_.data() + used_);
-        used_ += count;
-    }
-    // A bar inside a text separates, too.
-    void Separate() { std::replace(bytes_.begin(), bytes_.end(), separator, '\0'); }
-    const char* Texts() const { return bytes_.data(); }
-    std::string_view At(int index) const {
-        const char* text = bytes_.data();
-        for (int left = index; left > 0 && *text; --left)
-            text += std::strlen(text) + 1;
-        return text;
-    }
-
-    static constexpr char separator = '|';
-
-  private:
-    static constexpr size_t size = 1024;
-    static constexpr size_t longest = size - 2; // two zero bytes end the list
-
-    std::array<char, size> bytes_ = {};
-    size_t used_ = 0;
-};
+constexpr char separator = '|';      // inside a text, too
+constexpr size_t longestList = 1022; // characters of one WaitFor; more is cut
 
 // A script's variables come by reference.
 _variant_t ValueOf(const VARIANT& argument) {
@@ -123,22 +93,21 @@ STDMETHODIMP CScriptExtension::WaitFor(VARIANT Text1, VARIANT Text2, VARIANT Tex
         return E_POINTER;
     *Result = nullptr;
     return With(control_, [&](CTarnCommCtl& control) {
-        LookUpList list;
-        list.Add(TextOf(ValueOf(Text1)));
+        std::string texts = TextOf(ValueOf(Text1));
         for (const VARIANT* more :
              {&Text2, &Text3, &Text4, &Text5, &Text6, &Text7, &Text8, &Text9, &Text10}) {
             const _variant_t value = ValueOf(*more);
             if (IsGiven(value))
-                list.Add(LookUpList::separator + TextOf(value));
+                texts += separator + TextOf(value);
         }
-        list.Separate();
+        const std::string list = LookUpListOf(texts.substr(0, longestList), separator);
         const HWND object = control.CommObject();
         if (ControlOf(object) != &control)
             return S_OK; // the look-up of a dead object would give the first text
         SetLookUpTimeOut(object, waitForTimeOut_);
-        const int match = DiscardUntilLookUp(object, list.Texts());
+        const int match = DiscardUntilLookUp(object, list.c_str());
         if (match >= 0 && ControlOf(object) == &control)
-            *Result = MakeBstr(list.At(match));
+            *Result = MakeBstr(LookUpEntry(list, match));
         return S_OK;
     });
 }

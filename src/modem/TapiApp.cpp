@@ -1,17 +1,11 @@
 #include "TapiApp.h"
 
-namespace {
-
-constexpr int noDevice = -1;
-
-} // namespace
-
 std::string CTapiApp::StartUpError() const {
     return m_bDisabled ? "Unable to access the Windows Telephony API: Operation failed." : "";
 }
 
 int CTapiApp::FindModem(const char*) const {
-    return noDevice;
+    return noLine;
 }
 
 bool CTapiApp::FindNextDataModem(DWORD&) const {

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+inline constexpr int noLine = -1;
+
 // What it tells its owner.
 class CTapiOwner {
   public:
@@ -31,7 +33,7 @@ class CTapiApp {
     // Why telephony is out of use, a sentence for people; empty while it works.
     std::string StartUpError() const;
 
-    // The line with this name, case aside, or -1.
+    // The line with this name, case aside, or noLine.
     int FindModem(const char* szName) const;
     // The first line from this one on that takes data calls. False: there is none.
     bool FindNextDataModem(DWORD& device) const;

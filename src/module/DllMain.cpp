@@ -1,5 +1,6 @@
 #include "com/olecontrol.h"
 #include "com/typeinfo.h"
+#include "control/controlproperties.h"
 #include "core/startup.h"
 #include "TarnComm.h"
 
@@ -12,7 +13,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* processEnds) {
     case DLL_PROCESS_DETACH:
         // At the end of the process the system takes everything back, and other threads are gone in mid-step.
         if (!processEnds) {
-            UnregisterControlWindow("TarnCommControl");
+            UnregisterControlWindow(ControlWindowClass);
             ForgetTypeInfo();
             ShutDownTarnCommObjects();
         }

@@ -4,6 +4,8 @@
 #include "unique_fd.h"
 
 #include <csignal>
+#include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -46,4 +48,20 @@ inline UniqueFd EndSignals() {
 inline bool FollowParent(pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     return getppid() == parent;
+}
+
+// The body of main: runs the work until the signal to end, which it gets as a file. 0, or 1 with a word on
+// stderr.
+template <typename Work>
+int RunDaemon(const char* program, pid_t parent, bool withParent, Work&& work) {
+    const UniqueFd endSignal = EndSignals();
+    if (withParent && !FollowParent(parent))
+        return 0;
+    try {
+        work(endSignal.Get());
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s: %s\n", program, error.what());
+        return 1;
+    }
+    return 0;
 }

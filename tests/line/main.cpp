@@ -76,6 +76,7 @@ void SettleBeforeCommand(Wires& wires) {
 }
 
 void Run(const Options& options, int endSignal) {
+    prctl(PR_SET_TIMERSLACK, 1000UL); // ns: a slice of the pacing is a thousand times that
     std::filesystem::create_directories(options.folder);
     EventLoop loop;
     Wires wires;
@@ -103,15 +104,5 @@ int main(int count, char** words) {
     Options options;
     if (!ParseOptions(count, words, options))
         return 2;
-    const UniqueFd endSignal = EndSignals();
-    prctl(PR_SET_TIMERSLACK, 1000UL); // ns: a slice of the pacing is a thousand times that
-    if (options.withParent && !FollowParent(parent))
-        return 0;
-    try {
-        Run(options, endSignal.Get());
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "tarnline: %s\n", error.what());
-        return 1;
-    }
-    return 0;
+    return RunDaemon("tarnline", parent, options.withParent, [&](int endSignal) { Run(options, endSignal); });
 }

@@ -1,19 +1,11 @@
 #include "options.h"
 
 #include "commands.h"
-
-#include <cstdio>
+#include "optiontable.h"
 
 namespace {
 
 constexpr std::uint64_t kCableLimit = 128;
-
-struct OptionRow {
-    const char* name;
-    const char* value; // what it takes, null for a switch
-    bool (*apply)(const std::string& value, Options& options);
-    const char* help;
-};
 
 template <typename Number>
 bool Store(const std::string& word, std::uint64_t limit, Number& target) {
@@ -24,7 +16,7 @@ bool Store(const std::string& word, std::uint64_t limit, Number& target) {
     return true;
 }
 
-constexpr OptionRow kOptions[] = {
+constexpr OptionRow<Options> kOptions[] = {
     {"--dir", "DIR", [](const std::string& word, Options& o) { return !(o.folder = word).empty(); },
      "where the links, the control file and the signal state go"},
     {"--cables", "N", [](const std::string& word, Options& o) { return Store(word, kCableLimit, o.cables); },
@@ -55,32 +47,13 @@ constexpr OptionRow kOptions[] = {
      "end when the parent process ends"},
 };
 
-bool Complain(const std::string& word) {
-    std::fprintf(stderr, "tarnline: bad option %s\nusage: tarnline --dir DIR [options]\n", word.c_str());
-    for (const OptionRow& row : kOptions)
-        std::fprintf(stderr, "  %-13s %-6s %s\n", row.name, row.value ? row.value : "", row.help);
-    return false;
-}
-
-const OptionRow* FindOption(const std::string& name) {
-    for (const OptionRow& row : kOptions)
-        if (name == row.name)
-            return &row;
-    return nullptr;
-}
-
 } // namespace
 
 bool ParseOptions(int count, char** words, Options& options) {
-    for (int i = 1; i < count; i++) {
-        const OptionRow* row = FindOption(words[i]);
-        if (!row || (row->value && i + 1 >= count))
-            return Complain(words[i]);
-        const std::string value = row->value ? words[++i] : "";
-        if (!row->apply(value, options))
-            return Complain(row->name);
-    }
+    const OptionTable<Options> table("tarnline", "--dir DIR", kOptions);
+    if (!table.Parse(count, words, options))
+        return false;
     if (options.folder.empty() || options.cables == 0)
-        return Complain("(--dir and at least one cable are needed)");
+        return table.Complain("(--dir and at least one cable are needed)");
     return true;
 }

@@ -84,14 +84,6 @@ int main(int count, char** words) {
     Options options;
     if (!ParseOptions(count, words, options))
         return 2;
-    const UniqueFd endSignal = EndSignals();
-    if (options.withParent && !FollowParent(parent))
-        return 0;
-    try {
-        Run(options, endSignal.Get());
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "tarnmodem: %s\n", error.what());
-        return 1;
-    }
-    return 0;
+    return RunDaemon("tarnmodem", parent, options.withParent,
+                     [&](int endSignal) { Run(options, endSignal); });
 }

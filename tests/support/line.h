@@ -15,6 +15,10 @@ namespace host {
 
 inline constexpr const char* nearPort = "COM5";
 
+// How most modems are driven.
+inline constexpr const char* hayesOptions =
+    "Hayes Compatible\tATX4E1V1S7=60&C1^M\tATDT\tATDP\tATS0=2^M\t~~+++~~ATH0^M\t14400\n";
+
 class LineTest : public testing::Test {
   protected:
     static std::string ControlFile() {

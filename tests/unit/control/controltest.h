@@ -4,9 +4,9 @@
 #include "support/line.h" // sockets come before the platform's header
 
 #include "../diagnostics/logtest.h"
-#include "../modem/every.h"
 #include "control/ansi.h"
 #include "control/TarnCommCtl.h"
+#include "support/every.h"
 
 #include <comdef.h>
 

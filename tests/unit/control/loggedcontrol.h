@@ -5,6 +5,7 @@
 #include "control/TarnCommCtl.h"
 #include "diagnostics/wiretap.h"
 #include "support/container.h"
+#include "support/every.h"
 #include "support/host.h"
 #include "support/sinks.h"
 #include "unit/diagnostics/logfiles.h"
@@ -122,32 +123,6 @@ inline std::string LogOf(const std::function<void()>& action) {
 inline std::string Line(const std::string& text) {
     return "<time> " + text + "\r\n";
 }
-
-// Does something inside of a wait.
-class Later {
-  public:
-    explicit Later(std::function<void()> action, UINT milliseconds = 20) : action_(std::move(action)) {
-        current_ = this;
-        id_ = SetTimer(nullptr, 0, milliseconds, OnTime);
-    }
-    ~Later() {
-        KillTimer(nullptr, id_);
-        current_ = nullptr;
-    }
-    Later(const Later&) = delete;
-    Later& operator=(const Later&) = delete;
-
-  private:
-    static void CALLBACK OnTime(HWND, UINT, UINT_PTR, DWORD) {
-        const auto action = std::exchange(current_->action_, {});
-        if (action)
-            action();
-    }
-
-    inline static Later* current_ = nullptr;
-    std::function<void()> action_;
-    UINT_PTR id_;
-};
 
 class LoggedControl : public testing::Test {
   protected:

@@ -166,7 +166,7 @@ TEST_F(Lookup, SecondOneMeanwhileIsRefused) {
     HRESULT result = S_OK;
     LONG second = 7;
     std::string error;
-    const Later inside([&] {
+    const auto inside = host::After(20, [&] {
         result = control->get_LookUp(&second);
         error = ErrorText();
     });
@@ -184,7 +184,7 @@ TEST_F(Lookup, ControlMayBeReleasedMeanwhile) {
     control.Put(&ITarnComm::put_LookUpText, L"end");
     farEnd.Send("abc");
     CTarnCommCtl* bare = control.Pointer().Get();
-    const Later inside([&] {
+    const auto inside = host::After(20, [&] {
         control.Container().Drop();
         control.Pointer().Reset();
     });

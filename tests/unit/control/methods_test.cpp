@@ -194,13 +194,13 @@ TEST_F(HostMethods, LimitOfNothingOnlyRings) {
 
 TEST_F(HostMethods, InputEndsWithTheWait) {
     person.Send("ab");
-    const Later inside([&] { SetShutDown(control.Object(), 1); }, 300);
+    const auto inside = host::After(300, [&] { SetShutDown(control.Object(), 1); });
     EXPECT_EQ(Input(20), "ab");
 }
 
 TEST_F(HostMethods, InputEndsWithThePort) {
     person.Send("ab");
-    const Later inside([&] { SetPortOpen(control.Object(), 0, nullptr); }, 300);
+    const auto inside = host::After(300, [&] { SetPortOpen(control.Object(), 0, nullptr); });
     const DWORD start = GetTickCount();
     EXPECT_EQ(Input(20), "ab");
     EXPECT_LT(GetTickCount() - start, 10000u);
@@ -208,7 +208,7 @@ TEST_F(HostMethods, InputEndsWithThePort) {
 
 TEST_F(HostMethods, InputInsideOfAnotherWaitEnds) {
     std::string got = "none";
-    const Later inside([&] { got = Input(20); });
+    const auto inside = host::After(20, [&] { got = Input(20); });
     person.Send("ab\r");
     ComPause(control.Object(), 400);
     EXPECT_EQ(got, "");
@@ -217,13 +217,11 @@ TEST_F(HostMethods, InputInsideOfAnotherWaitEnds) {
 // Its comm object goes, too.
 TEST_F(HostMethods, ControlMayBeReleasedMeanwhile) {
     CTarnCommCtl* bare = control.Pointer().Get();
-    const Later inside(
-        [&] {
-            control.Container().Drop();
-            control.Pointer().Reset();
-            DestroyWindow(bare->CommObject());
-        },
-        200);
+    const auto inside = host::After(200, [&] {
+        control.Container().Drop();
+        control.Pointer().Reset();
+        DestroyWindow(bare->CommObject());
+    });
     person.Send("ab");
     BSTR text = nullptr;
     EXPECT_EQ(bare->HostInput(20, &text), S_OK);

@@ -1,7 +1,7 @@
 // Calls between modems: what comes of a number, what is said on the line, how a call ends.
 #include "telephone.h"
 
-#include "../modem/every.h"
+#include "support/every.h"
 
 namespace {
 

@@ -10,9 +10,6 @@
 
 namespace host {
 
-inline constexpr const char* hayesOptions =
-    "Hayes Compatible\tATX4E1V1S7=60&C1^M\tATDT\tATDP\tATS0=2^M\t~~+++~~ATH0^M\t14400\n";
-
 inline constexpr const char* nearNumber = "5551001";
 inline constexpr const char* farNumber = "5551002";
 inline constexpr const char* busyNumber = "5550100";

@@ -1,15 +1,12 @@
 // A comm object beside a modem that the test plays: what it says, what it hears and when.
 #pragma once
 
-#include "every.h"
+#include "support/every.h"
 #include "support/line.h"
 
 #include "core/live.h"
 
 namespace host {
-
-inline constexpr const char* hayesOptions =
-    "Hayes Compatible\tATX4E1V1S7=60&C1^M\tATDT\tATDP\tATS0=2^M\t~~+++~~ATH0^M\t14400\n";
 
 class ModemTest : public LineTest {
   protected:
