@@ -1,4 +1,4 @@
-// The control's picture: the window's paint, drawing outside of it, and the data that it doesn't give.
+// The control's picture: the window's paint and drawing outside of it.
 #include "olecontrol.h"
 
 #include "wall.h"
@@ -50,6 +50,8 @@ void OleControl::ViewChanged() {
         InvalidateRect(window_, nullptr, TRUE);
         return;
     }
+    if (const ComPtr<IDataAdviseHolder> holder = dataAdvises_)
+        holder->SendOnDataChange(this, 0, 0);
     if (const ComPtr<IAdviseSink> sink = view_.sink) {
         if (view_.flags & ADVF_ONLYONCE)
             view_ = {};
@@ -144,50 +146,4 @@ HRESULT OleControl::QueryHitRect(DWORD aspect, LPCRECT bounds, LPCRECT rect, LON
 
 HRESULT OleControl::GetNaturalExtent(DWORD, LONG, DVTARGETDEVICE*, HDC, DVEXTENTINFO*, LPSIZEL) {
     return E_NOTIMPL; // any size is as good
-}
-
-HRESULT OleControl::GetData(FORMATETC*, STGMEDIUM*) {
-    return DATA_E_FORMATETC;
-}
-
-HRESULT OleControl::GetDataHere(FORMATETC*, STGMEDIUM*) {
-    return DATA_E_FORMATETC;
-}
-
-HRESULT OleControl::QueryGetData(FORMATETC*) {
-    return DATA_E_FORMATETC;
-}
-
-HRESULT OleControl::GetCanonicalFormatEtc(FORMATETC* in, FORMATETC* out) {
-    if (!in || !out)
-        return E_POINTER;
-    *out = *in;
-    out->ptd = nullptr;
-    return DATA_S_SAMEFORMATETC;
-}
-
-HRESULT OleControl::SetData(FORMATETC*, STGMEDIUM*, BOOL) {
-    return E_NOTIMPL;
-}
-
-HRESULT OleControl::EnumFormatEtc(DWORD, IEnumFORMATETC** formats) {
-    if (!formats)
-        return E_POINTER;
-    *formats = nullptr;
-    return E_NOTIMPL;
-}
-
-HRESULT OleControl::DAdvise(FORMATETC*, DWORD, IAdviseSink*, DWORD*) {
-    return OLE_E_ADVISENOTSUPPORTED;
-}
-
-HRESULT OleControl::DUnadvise(DWORD) {
-    return OLE_E_ADVISENOTSUPPORTED;
-}
-
-HRESULT OleControl::EnumDAdvise(IEnumSTATDATA** advises) {
-    if (!advises)
-        return E_POINTER;
-    *advises = nullptr;
-    return OLE_E_ADVISENOTSUPPORTED;
 }

@@ -23,6 +23,7 @@ void OleControl::LetGo() {
     DestroyControlWindow();
     ambients_.Attach(nullptr);
     const auto advises = std::move(advises_);
+    const auto dataAdvises = std::move(dataAdvises_);
     const auto view = std::move(view_.sink);
     const auto site = std::move(clientSite_);
 }

@@ -102,7 +102,7 @@ class OleControl : public IOleObject,
     HRESULT STDMETHODCALLTYPE GetNaturalExtent(DWORD aspect, LONG index, DVTARGETDEVICE* target, HDC context,
                                                DVEXTENTINFO* info, LPSIZEL himetric) override;
 
-    // IDataObject: there are no data to be had but by the control's own interface
+    // IDataObject: the picture as a metafile
     HRESULT STDMETHODCALLTYPE GetData(FORMATETC* format, STGMEDIUM* medium) override;
     HRESULT STDMETHODCALLTYPE GetDataHere(FORMATETC* format, STGMEDIUM* medium) override;
     HRESULT STDMETHODCALLTYPE QueryGetData(FORMATETC* format) override;
@@ -207,6 +207,7 @@ class OleControl : public IOleObject,
     Owned<IOleInPlaceFrame> frame_;      // while UI-active, as is the document's window
     Owned<IOleInPlaceUIWindow> document_;
     Owned<IOleAdviseHolder> advises_;
+    Owned<IDataAdviseHolder> dataAdvises_;
     ViewAdvise view_;
     SIZEL extent_;
     RECT position_ = {};

@@ -44,28 +44,10 @@ HRESULT RegisterModule(const ModuleRegistration& module) noexcept {
     });
 }
 
-HRESULT RegisterModuleForUser(const ModuleRegistration& module) noexcept {
-    return AsResult([&] { return RegisterBelow(HKEY_CURRENT_USER, module); });
-}
-
 HRESULT UnregisterModule(const ModuleRegistration& module) noexcept {
     return AsResult([&] {
         const HRESULT ofUser = UnregisterBelow(HKEY_CURRENT_USER, module);
         const HRESULT ofMachine = UnregisterBelow(HKEY_LOCAL_MACHINE, module);
         return FAILED(ofMachine) ? ofMachine : ofUser;
     });
-}
-
-HRESULT UnregisterModuleForUser(const ModuleRegistration& module) noexcept {
-    return AsResult([&] { return UnregisterBelow(HKEY_CURRENT_USER, module); });
-}
-
-HRESULT InstallModule(const ModuleRegistration& module, bool install, const wchar_t* commandLine) noexcept {
-    const bool forUser =
-        commandLine && CompareStringOrdinal(commandLine, -1, L"user", -1, TRUE) == CSTR_EQUAL;
-    if (commandLine && *commandLine && !forUser)
-        return E_INVALIDARG;
-    if (forUser)
-        return install ? RegisterModuleForUser(module) : UnregisterModuleForUser(module);
-    return install ? RegisterModule(module) : UnregisterModule(module);
 }

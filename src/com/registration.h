@@ -25,11 +25,6 @@ struct ModuleRegistration {
 
 // For the machine, or, where its hive refuses for want of rights, for the user alone.
 HRESULT RegisterModule(const ModuleRegistration& module) noexcept;
-HRESULT RegisterModuleForUser(const ModuleRegistration& module) noexcept;
 
 // Removes what either wrote.
 HRESULT UnregisterModule(const ModuleRegistration& module) noexcept;
-HRESULT UnregisterModuleForUser(const ModuleRegistration& module) noexcept;
-
-// DllInstall: "user" means the user alone, nothing means as regsvr32 does without it.
-HRESULT InstallModule(const ModuleRegistration& module, bool install, const wchar_t* commandLine) noexcept;

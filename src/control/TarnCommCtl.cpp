@@ -45,11 +45,13 @@ const ControlFacts& CTarnCommCtl::Facts() const {
 // which is asked for the mode, may take it away.
 PropertyLog CTarnCommCtl::Log() const {
     const ControlProperties& switches = m_Properties;
+    const bool hasKind = switches.m_bWireTapProperties || switches.m_bWireTapEvents;
     const bool isWanted =
-        switches.m_bWireTap && m_nNoLog <= 0 && Ambient().IsUserMode() && !m_szControlName.empty();
+        switches.m_bWireTap && hasKind && m_nNoLog <= 0 && !m_szControlName.empty() && Ambient().IsUserMode();
     const HWND object = CommObject();
-    return PropertyLog({object, m_szControlName, isWanted && ControlOf(object) == this,
-                        switches.m_bWireTapProperties != 0, switches.m_bWireTapEvents != 0});
+    const bool mayLog = isWanted && ControlOf(object) == this;
+    return PropertyLog({object, m_szControlName, mayLog && switches.m_bWireTapProperties,
+                        mayLog && switches.m_bWireTapEvents});
 }
 
 // A control that never gets a window works from here on.
@@ -79,17 +81,31 @@ void CTarnCommCtl::FinalRelease() {
     DropWindowObject();
 }
 
+// What was open goes with its object.
+void CTarnCommCtl::EndConnection() {
+    if (m_bTapiCall)
+        m_Tapi.HangUp();
+    m_bTapiCall = false;
+    m_bConnected = false;
+}
+
+// Somebody else may have closed the object's window and own its handle by now.
 void CTarnCommCtl::DropInvisibleObject() {
     if (!m_hWndNonVisibleControl)
         return;
-    SetEventHandler(m_hWndNonVisibleControl, nullptr);
-    AttachControl(m_hWndNonVisibleControl, nullptr);
-    DestroyWindow(std::exchange(m_hWndNonVisibleControl, nullptr));
+    EndConnection();
+    const HWND object = std::exchange(m_hWndNonVisibleControl, nullptr);
+    if (ControlOf(object) != this)
+        return;
+    SetEventHandler(object, nullptr);
+    AttachControl(object, nullptr);
+    DestroyWindow(object);
 }
 
 void CTarnCommCtl::DropWindowObject() {
     if (!m_hWndComm)
         return;
+    EndConnection();
     const HWND object = std::exchange(m_hWndComm, nullptr);
     RemoveWindowSubclass(object, CommWindowProc, commWindowHook);
     AttachControl(object, nullptr);
@@ -134,6 +150,9 @@ bool CTarnCommCtl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT
     case WM_SIZE:
         Layout();
         return false;
+    case WM_PAINT: // the comm object covers all of it
+        ValidateRect(Window(), nullptr);
+        return true;
     case WM_SETFOCUS:
         if (IsInPlaceActive() && m_hWndComm && !IsChild(Window(), GetFocus()))
             SetFocus(m_hWndComm);
@@ -187,10 +206,8 @@ void CTarnCommCtl::SetBorder() {
                  SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// For a picture outside of the window only: the window paints itself.
+// For a picture outside of the window only.
 void CTarnCommCtl::OnDraw(HDC context, const RECT& bounds) {
-    if (Window())
-        return;
     PassFont();
     FillRect(context, &bounds, GetSysColorBrush(COLOR_ACTIVECAPTION));
 }

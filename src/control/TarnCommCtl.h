@@ -17,6 +17,7 @@
 #include "com/safety.h"
 #include "com/unknown.h"
 #include "controlproperties.h"
+#include "fontinuse.h"
 #include "modem/TapiApp.h"
 #include "persistence.h"
 #include "propertylog.h"
@@ -299,6 +300,7 @@ class CTarnCommCtl final
     void OnDisconnected() override;
 
     void FinalRelease() override;
+    void EndConnection();
     void DropInvisibleObject();
     void DropWindowObject();
     void SetDefaultFont();
@@ -335,6 +337,7 @@ class CTarnCommCtl final
     int m_nNoLog = 0; // nothing is logged while it is above 0
     UINT m_nLastMouseMessage = 0;
     ComPtr<IFontDisp> m_pFont;
+    FontInUse m_FontInUse; // by the comm object
     ComPtr<CScriptExtension> m_pScriptExtension;
     ComPtr<CTapiLocation> m_pLocations;
     ComPtr<CCommPort> m_pCommPorts;

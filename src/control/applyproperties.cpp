@@ -107,8 +107,7 @@ void CTarnCommCtl::SetDefaultFont() {
 }
 
 void CTarnCommCtl::PassFont() {
-    ComPtr<IFont> font;
-    HFONT handle = nullptr;
-    if (m_pFont && SUCCEEDED(m_pFont.As(&font)) && SUCCEEDED(font->get_hFont(&handle)) && handle)
+    m_FontInUse.Hold(m_pFont.Get(), [this](HFONT handle) {
         SendMessageA(CommObject(), WM_SETFONT, reinterpret_cast<WPARAM>(handle), TRUE);
+    });
 }

@@ -62,6 +62,11 @@ class TypedLine {
     std::string text_;
 };
 
+void RestUntilMessage() {
+    constexpr DWORD longest = 50; // ms
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, longest, QS_ALLINPUT);
+}
+
 } // namespace
 
 STDMETHODIMP CTarnCommCtl::HostInputKey(short* Result) {
@@ -90,13 +95,16 @@ HRESULT CTarnCommCtl::HostInputText(short maximum, bool password, BSTR* result) 
             return E_POINTER;
         TypedLine line(maximum, password);
         // A wait below this one keeps the input from us, and would do so for ever.
-        while (WaitForInput(CommObject(), keyTimeOut) && !GetBusy(CommObject())) {
+        for (bool goesOn = true; goesOn;) {
             char key = 0;
-            const bool came = GetInput(CommObject(), &key, 1) == 1;
+            goesOn = WaitForInput(CommObject(), keyTimeOut) && !GetBusy(CommObject());
+            const bool came = goesOn && GetInput(CommObject(), &key, 1) == 1;
             if (came && key == enter)
                 break;
             if (came)
                 Send(CommObject(), line.Take(key));
+            else if (goesOn)
+                RestUntilMessage(); // a file transfer has the input
             if (!GetPortOpen(CommObject()))
                 break;
             IdleLoop();

@@ -13,13 +13,22 @@ HRESULT OleStreamSource::Read(void* bytes, ULONG count) {
     return read == count ? S_OK : E_FAIL;
 }
 
-// Asking for a font keeps a damaged stream from loading an object of any other kind.
+// As OleLoadFromStream, which refuses what was written for no object. Asking for a font keeps a damaged
+// stream from loading an object of any other kind.
 HRESULT OleStreamSource::ReadObject(IDispatch** object) {
-    void* loaded = nullptr;
-    const HRESULT result = OleLoadFromStream(stream_.Get(), IID_IFontDisp, &loaded);
-    if (FAILED(result))
-        return E_FAIL; // what the pointer holds then is nobody's word
-    *object = static_cast<IFontDisp*>(loaded);
+    *object = nullptr;
+    CLSID id = {};
+    if (FAILED(ReadClassStm(stream_.Get(), &id)))
+        return E_FAIL;
+    if (id == CLSID_NULL)
+        return S_OK;
+    ComPtr<IFontDisp> font;
+    ComPtr<IPersistStream> persist;
+    constexpr DWORD anyServer = CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER | CLSCTX_LOCAL_SERVER;
+    if (FAILED(CoCreateInstance(id, nullptr, anyServer, IID_IFontDisp, &font)) || FAILED(font.As(&persist)) ||
+        FAILED(persist->Load(stream_.Get())))
+        return E_FAIL;
+    *object = font.Detach();
     return S_OK;
 }
 

@@ -51,11 +51,11 @@ HRESULT CTarnCommCtl::SetPlainPortOpen(bool open) {
     char error[TARN_ERROR_TEXT_SIZE] = {};
     const bool done = SetPortOpen(CommObject(), open, error) != 0;
     m_bTapiCall = false;
-    m_bConnected = GetPortOpen(CommObject()) != 0;
-    if (done)
-        m_Properties.m_sPortStatus = open ? L"Connected" : L"Disconnected";
+    m_bConnected = open && GetPortOpen(CommObject());
+    if (!open)
+        m_Properties.m_sPortStatus = L"Disconnected"; // whatever the device said
     else
-        m_Properties.m_sPortStatus = WideOf(error);
+        m_Properties.m_sPortStatus = done ? L"Connected" : WideOf(error);
     return S_OK;
 }
 

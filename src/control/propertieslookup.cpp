@@ -94,10 +94,8 @@ LONG CTarnCommCtl::WaitForLookUp() {
 READ_TEXT(LookUpInput, m_sLookUpInput)
 
 STDMETHODIMP CTarnCommCtl::get_LookUpSeparator(BSTR* value) {
-    return ReadText("LookUpSeparator", value, [this] {
-        const char text[] = {m_Properties.m_chLookUpSeparator, '\0'};
-        return MakeBstr(std::string_view(text));
-    });
+    return ReadText("LookUpSeparator", value,
+                    [this] { return MakeBstr(std::string_view(&m_Properties.m_chLookUpSeparator, 1)); });
 }
 
 STDMETHODIMP CTarnCommCtl::put_LookUpSeparator(BSTR value) {

@@ -166,9 +166,11 @@ PLAIN(NullDiscard, VARIANT_BOOL, m_bNullDiscard, GetNullDiscard, SetNullDiscard)
 
 STDMETHODIMP CTarnCommCtl::get_ParityReplace(BSTR* value) {
     return ReadText("ParityReplace", value, [this] {
-        const int code = GetParityReplace(CommObject());
+        const HWND object = CommObject();
+        const int code = GetParityReplace(object);
         const char c = static_cast<char>(code);
-        return MakeBstr(code == noParityReplace ? std::string_view() : std::string_view(&c, 1));
+        const bool hasNone = code == noParityReplace || !IsWindow(object);
+        return MakeBstr(hasNone ? std::string_view() : std::string_view(&c, 1));
     });
 }
 

@@ -126,7 +126,7 @@ STDMETHODIMP CTarnCommCtl::get_Contents(BSTR* value) {
 
 STDMETHODIMP CTarnCommCtl::put_Contents(BSTR value) {
     return Body([&] {
-        const std::string text = AnsiOf(value);
+        const std::string text = AnsiOf(TextOf(value));
         SetContents(CommObject(), text.data(), static_cast<int>(text.size()));
         Log().AssignedText("Contents", value);
         return S_OK;

@@ -11,7 +11,6 @@ namespace {
 constexpr size_t lineSize = 256; // with the NUL; a longer line is cut
 constexpr int propertyLevel = 1;
 constexpr int eventLevel = 4;
-constexpr int transferLevel = 5;
 
 struct Line {
     char text[lineSize];
@@ -32,12 +31,12 @@ const char* WordOf(bool value) {
 
 // Property lines, without data or with bytes or with a string behind the text.
 void Put(const PropertyLog::State& state, const Line& line, const void* bytes = nullptr, size_t count = 0) {
-    if (state.mayLog && state.properties)
+    if (state.properties)
         WireTapMsg(state.object, propertyLevel, line.text, bytes, static_cast<DWORD>(count));
 }
 
 void PutText(const PropertyLog::State& state, const Line& line, const wchar_t* text) {
-    if (state.mayLog && state.properties)
+    if (state.properties)
         WireTapMsgW(state.object, propertyLevel, line.text, text ? text : L"");
 }
 
@@ -94,7 +93,7 @@ void PropertyLog::AssignedBytes(const char* property, const void* bytes, size_t 
 // A member of an array of controls has its index in its name, "Comm(2)", which becomes the event's first
 // argument.
 void PropertyLog::Event(const char* event, const char* arguments) const {
-    if (!state_.mayLog || !state_.events)
+    if (!state_.events)
         return;
     const size_t bracket = state_.name.find('(');
     const char* given = arguments ? arguments : "";
@@ -109,11 +108,4 @@ void PropertyLog::Event(const char* event, const char* arguments) const {
     const Line line =
         MakeLine("%s_%s(%d%s%s) Event", szControlNameWithoutIndex.c_str(), event, index, comma, given);
     WireTapMsg(state_.object, eventLevel, line.text, nullptr, 0);
-}
-
-void PropertyLog::Transfer(const char* text) const {
-    if (!state_.mayLog)
-        return;
-    WireTapMsg(state_.object, transferLevel, text, nullptr, 0);
-    WireTapTransfer(state_.object, "%s Transfer: %s", state_.name.c_str(), text);
 }

@@ -13,8 +13,7 @@ class PropertyLog {
     struct State {
         HWND object;
         const std::string& name; // of the control, as the container calls it
-        bool mayLog;             // the log is on, nothing silences it, and it is run time
-        bool properties;         // the switches by kind
+        bool properties;         // lines of this kind are wanted
         bool events;
     };
     explicit PropertyLog(const State& state) : state_(state) {}
@@ -34,7 +33,6 @@ class PropertyLog {
 
     // Arguments may be null for none.
     void Event(const char* event, const char* arguments = nullptr) const;
-    void Transfer(const char* text) const;
 
   private:
     State state_;

@@ -27,8 +27,9 @@ _variant_t ValueOf(const VARIANT& argument) {
     return value;
 }
 
+// A script says nothing, or its engine the error that stands for it.
 bool IsGiven(const _variant_t& value) {
-    return value.vt != VT_EMPTY && value.vt != VT_ERROR;
+    return value.vt != VT_EMPTY && !(value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND);
 }
 
 std::string TextOf(_variant_t value) {

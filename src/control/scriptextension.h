@@ -2,6 +2,7 @@
 #pragma once
 
 #include "com/classinfo.h"
+#include "com/connectionpoint.h"
 #include "com/dispatch.h"
 #include "com/errors.h"
 #include "com/unknown.h"
@@ -12,12 +13,12 @@ class CTarnCommCtl;
 // The control owns it and takes itself away before it goes; a script may keep it longer, and then it does
 // nothing.
 class CScriptExtension final
-    : public Unknown<CScriptExtension, Dual<IScriptExtension>, ErrorSupport<IScriptExtension>,
-                     ClassInfo<ScriptExtension, _IScriptExtensionEvents>> {
+    : public Unknown<CScriptExtension, Dual<IScriptExtension>, EventSource<_IScriptExtensionEvents>,
+                     ErrorSupport<IScriptExtension>, ClassInfo<ScriptExtension, _IScriptExtensionEvents>> {
   public:
-    using Faces =
-        FaceTable<FaceRow<IScriptExtension>, FaceRow<IDispatch, IScriptExtension>, FaceRow<ISupportErrorInfo>,
-                  FaceRow<IProvideClassInfo2>, FaceRow<IProvideClassInfo, IProvideClassInfo2>>;
+    using Faces = FaceTable<FaceRow<IScriptExtension>, FaceRow<IDispatch, IScriptExtension>,
+                            FaceRow<IConnectionPointContainer>, FaceRow<ISupportErrorInfo>,
+                            FaceRow<IProvideClassInfo2>, FaceRow<IProvideClassInfo, IProvideClassInfo2>>;
 
     explicit CScriptExtension(CTarnCommCtl& control) : control_(&control) {}
     void Detach() { control_ = nullptr; }

@@ -203,7 +203,7 @@ Answered KeyPress(const WindowMessage& message) {
     message.control.Log().Event("KeyPress", ArgumentText(character));
     VARIANT arguments[] = {events::ByReference(character)};
     message.control.Fire(events::KeyPress, arguments);
-    return PassKey(message, character);
+    return PassKey(message, static_cast<BYTE>(character)); // characters are bytes here
 }
 
 struct MessageRow {

@@ -64,12 +64,13 @@ class AdviseSink : public Counted<AdviseSink, IAdviseSink> {
   public:
     using Faces = FaceTable<FaceRow<IAdviseSink>>;
 
-    void STDMETHODCALLTYPE OnDataChange(FORMATETC*, STGMEDIUM*) override {}
+    void STDMETHODCALLTYPE OnDataChange(FORMATETC*, STGMEDIUM*) override { ++data; }
     void STDMETHODCALLTYPE OnViewChange(DWORD, LONG) override { ++views; }
     void STDMETHODCALLTYPE OnRename(IMoniker*) override {}
     void STDMETHODCALLTYPE OnSave() override { ++saves; }
     void STDMETHODCALLTYPE OnClose() override { ++closes; }
 
+    int data = 0;
     int views = 0;
     int saves = 0;
     int closes = 0;

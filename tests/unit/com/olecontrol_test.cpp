@@ -320,13 +320,65 @@ TEST_F(ComControl, HitsAreByTheBounds) {
     EXPECT_EQ(result, static_cast<DWORD>(HITRESULT_OUTSIDE));
 }
 
-TEST_F(ComControl, ThereAreNoDataToBeHad) {
-    FORMATETC format = {CF_METAFILEPICT, nullptr, DVASPECT_CONTENT, -1, TYMED_MFPICT};
+constexpr FORMATETC metafileFormat = {CF_METAFILEPICT, nullptr, DVASPECT_CONTENT, -1, TYMED_MFPICT};
+
+TEST_F(ComControl, PictureIsToBeHadAsAMetafile) {
+    FORMATETC format = metafileFormat;
     STGMEDIUM medium = {};
-    EXPECT_EQ(toy->QueryGetData(&format), DATA_E_FORMATETC);
-    EXPECT_EQ(toy->GetData(&format, &medium), DATA_E_FORMATETC);
+    EXPECT_EQ(toy->QueryGetData(&format), S_OK);
+    ASSERT_EQ(toy->GetData(&format, &medium), S_OK);
+    const auto* picture = static_cast<const METAFILEPICT*>(GlobalLock(medium.hMetaFilePict));
+    EXPECT_EQ(picture->xExt, toy->Extent().cx);
+    EXPECT_EQ(picture->yExt, toy->Extent().cy);
+    EXPECT_EQ(picture->mm, MM_ANISOTROPIC);
+    const HDC context = CreateCompatibleDC(nullptr);
+    const HBITMAP bitmap = CreateBitmap(50, 50, 1, 32, nullptr);
+    const HGDIOBJ before = SelectObject(context, bitmap);
+    PatBlt(context, 0, 0, 50, 50, WHITENESS);
+    SetMapMode(context, MM_ANISOTROPIC);
+    SetViewportExtEx(context, 20, 20, nullptr);
+    EXPECT_TRUE(PlayMetaFile(context, picture->hMF));
+    SetMapMode(context, MM_TEXT);
+    EXPECT_EQ(GetPixel(context, 10, 10), RGB(0, 0, 0));
+    EXPECT_EQ(GetPixel(context, 30, 30), RGB(255, 255, 255));
+    SelectObject(context, before);
+    DeleteObject(bitmap);
+    DeleteDC(context);
+    GlobalUnlock(medium.hMetaFilePict);
+    ReleaseStgMedium(&medium);
+}
+
+TEST_F(ComControl, OtherDataAreRefused) {
+    struct Refusal {
+        FORMATETC format;
+        HRESULT result;
+    };
+    const Refusal refusals[] = {
+        {{CF_TEXT, nullptr, DVASPECT_CONTENT, -1, TYMED_MFPICT}, DV_E_FORMATETC},
+        {{CF_METAFILEPICT, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL}, DV_E_TYMED},
+        {{CF_METAFILEPICT, nullptr, DVASPECT_ICON, -1, TYMED_MFPICT}, DV_E_DVASPECT},
+        {{CF_METAFILEPICT, nullptr, DVASPECT_CONTENT, 0, TYMED_MFPICT}, DV_E_LINDEX},
+    };
+    for (Refusal refusal : refusals) {
+        STGMEDIUM medium = {};
+        EXPECT_EQ(toy->QueryGetData(&refusal.format), refusal.result);
+        EXPECT_EQ(toy->GetData(&refusal.format, &medium), refusal.result);
+    }
+    EXPECT_EQ(toy->QueryGetData(nullptr), E_POINTER);
+    EXPECT_EQ(toy->GetData(nullptr, nullptr), E_POINTER);
+}
+
+TEST_F(ComControl, SinksOfDataHearOfANewPicture) {
+    host::AdviseSink sink;
+    FORMATETC format = metafileFormat;
     DWORD connection = 0;
-    EXPECT_EQ(toy->DAdvise(&format, 0, nullptr, &connection), OLE_E_ADVISENOTSUPPORTED);
+    EXPECT_EQ(toy->DUnadvise(1), OLE_E_NOCONNECTION);
+    ASSERT_EQ(toy->DAdvise(&format, 0, &sink, &connection), S_OK);
+    toy->ViewChanged();
+    EXPECT_EQ(sink.data, 1);
+    EXPECT_EQ(toy->DUnadvise(connection), S_OK);
+    toy->ViewChanged();
+    EXPECT_EQ(sink.data, 1);
 }
 
 TEST_F(ComControl, QuickActivationConnectsEverything) {

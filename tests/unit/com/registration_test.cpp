@@ -196,19 +196,6 @@ TEST_F(ComRegistration, OtherWidthKeepsTheSharedLibraryKey) {
     EXPECT_EQ(ValueOf(machine.Key(), std::wstring(L"CLSID\\") + id), L"(none)");
 }
 
-TEST_F(ComRegistration, InstallForTheUserTouchesTheUsersHiveOnly) {
-    EXPECT_EQ(InstallModule(module, true, L"user"), S_OK);
-    EXPECT_EQ(CountKeys(machine.Key()), 0);
-    EXPECT_EQ(ValueOf(user.Key(), L"Tests.Toy\\CLSID"), id);
-    EXPECT_EQ(InstallModule(module, false, L"USER"), S_OK);
-    EXPECT_EQ(ValueOf(user.Key(), L"Tests.Toy\\CLSID"), L"(none)");
-    EXPECT_EQ(InstallModule(module, true, L"everybody"), E_INVALIDARG);
-    EXPECT_EQ(InstallModule(module, true, nullptr), S_OK);
-    EXPECT_EQ(ValueOf(machine.Key(), L"Tests.Toy\\CLSID"), id);
-    EXPECT_EQ(InstallModule(module, false, L""), S_OK);
-    EXPECT_EQ(ValueOf(machine.Key(), L"Tests.Toy\\CLSID"), L"(none)");
-}
-
 TEST_F(ComRegistration, MachineThatRefusesMeansTheUser) {
     const WriteProtection protection(machine.Key(), L"Software\\Classes");
     EXPECT_EQ(RegisterModule(module), S_OK);

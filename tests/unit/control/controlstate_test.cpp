@@ -220,6 +220,20 @@ TEST_F(StoredTarnComm, SavedLoadsInAnother) {
     EXPECT_EQ(Ask<VARIANT_BOOL>(control, &CTarnCommCtl::get_PortOpen), VARIANT_FALSE);
 }
 
+TEST_F(StoredTarnComm, NoFontIsStoredAndLoaded) {
+    control->putref_Font(nullptr);
+    control->put_PhoneNumber(_bstr_t(L"555"));
+    const Bytes saved = Saved();
+    ASSERT_EQ(NewObject(control), S_OK);
+    ASSERT_EQ(Load(saved), S_OK);
+    EXPECT_EQ(Description(), L"");
+    ComPtr<IFontDisp> held;
+    EXPECT_EQ(control->get_Font(&held), S_OK);
+    EXPECT_FALSE(held);
+    EXPECT_EQ(Text(&CTarnCommCtl::get_PhoneNumber), L"555") << "the rows behind it";
+    EXPECT_EQ(Saved().size(), saved.size());
+}
+
 TEST_F(StoredTarnComm, UseTapiIsStoredAsItsOpposite) {
     ASSERT_EQ(Load(StateWith("UseTAPI", "0b00 0000")), S_OK);
     EXPECT_EQ(Ask<VARIANT_BOOL>(control, &CTarnCommCtl::get_UseTAPI), VARIANT_TRUE);

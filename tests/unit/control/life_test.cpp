@@ -55,6 +55,46 @@ TEST_F(ControlLife, TheFirstWindowTakesTheObjectsPlace) {
     EXPECT_EQ(GetSThreshold(Object()), 0) << "the cached value survives, not the object's";
 }
 
+TEST_F(ControlLife, WhatWasOpenIsForgottenWithItsObject) {
+    control->put_CommPort(_variant_t(L"COM5"));
+    control->put_PortOpen(VARIANT_TRUE);
+    ASSERT_TRUE(control->IsConnected());
+    ASSERT_EQ(container.Do(OLEIVERB_INPLACEACTIVATE), S_OK);
+    EXPECT_FALSE(control->IsConnected());
+    control->put_PortOpen(VARIANT_TRUE);
+    EXPECT_TRUE(control->IsConnected());
+    EXPECT_EQ(control->InPlaceDeactivate(), S_OK);
+    EXPECT_FALSE(control->IsConnected());
+}
+
+TEST_F(ControlLife, AnObjectThatSomebodyClosedIsNotClosedAgain) {
+    const HWND before = Object();
+    DestroyWindow(before);
+    EXPECT_EQ(container.Do(OLEIVERB_INPLACEACTIVATE), S_OK);
+    EXPECT_TRUE(IsWindow(Object()));
+    EXPECT_NE(Object(), before);
+}
+
+TEST_F(ControlLife, DrawsOutsideOfItsWindowToo) {
+    ASSERT_EQ(container.Do(OLEIVERB_INPLACEACTIVATE), S_OK);
+    const HDC context = CreateCompatibleDC(nullptr);
+    const HBITMAP bitmap = CreateBitmap(50, 50, 1, 32, nullptr);
+    const HGDIOBJ before = SelectObject(context, bitmap);
+    PatBlt(context, 0, 0, 50, 50, WHITENESS);
+    const RECTL bounds = {10, 10, 30, 30};
+    EXPECT_EQ(
+        control->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, context, &bounds, nullptr, nullptr, 0),
+        S_OK);
+    EXPECT_EQ(GetPixel(context, 20, 20), GetSysColor(COLOR_ACTIVECAPTION));
+    EXPECT_EQ(GetPixel(context, 5, 5), RGB(255, 255, 255));
+    SelectObject(context, before);
+    DeleteObject(bitmap);
+    DeleteDC(context);
+    InvalidateRect(control->Window(), nullptr, TRUE);
+    UpdateWindow(control->Window());
+    EXPECT_FALSE(GetUpdateRect(control->Window(), nullptr, FALSE)) << "its own paint is the terminal's";
+}
+
 TEST_F(ControlLife, TheTerminalFillsTheControlAndIsShown) {
     ASSERT_EQ(container.Do(OLEIVERB_INPLACEACTIVATE), S_OK);
     EXPECT_EQ(ear.Count("Show"), 1);

@@ -58,7 +58,7 @@ TEST_F(LookUpRows, SeparatorIsTheFirstCharacter) {
 TEST_F(LookUpRows, EmptySeparatorIsByteZero) {
     control.Put(&ITarnComm::put_LookUpSeparator, L"");
     EXPECT_EQ(control->Properties().m_chLookUpSeparator, '\0');
-    EXPECT_EQ(control.Text(&ITarnComm::get_LookUpSeparator), "");
+    EXPECT_EQ(control.Text(&ITarnComm::get_LookUpSeparator), std::string(1, '\0')) << "one character as ever";
 }
 
 TEST_F(LookUpRows, TextIsKeptAndLogged) {

@@ -281,6 +281,12 @@ TEST_F(PortProperties, ParityReplaceIsTheFirstByte) {
     EXPECT_EQ(Logged("TarnComm.ParityReplace returns \"x\""), 1);
 }
 
+TEST_F(PortProperties, ParityReplaceOfAnObjectThatIsGoneIsEmpty) {
+    control->put_ParityReplace(_bstr_t(L"?"));
+    DestroyWindow(control->CommObject());
+    EXPECT_EQ(GetText(&ITarnComm::get_ParityReplace), "");
+}
+
 TEST_F(PortProperties, UpperHalfParityCharacterIsAByte) {
     const _bstr_t given(WideOf("\xE4").c_str());
     control->put_ParityReplace(given);

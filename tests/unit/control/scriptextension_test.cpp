@@ -80,6 +80,23 @@ TEST_F(ScriptExtensionTest, TheTimeOutIsAPlainNumber) {
     EXPECT_EQ(script->get_WaitForTimeOut(nullptr), E_POINTER);
 }
 
+TEST_F(ScriptExtensionTest, HasAPointForItsEmptyEvents) {
+    ComPtr<IConnectionPointContainer> points;
+    ComPtr<IConnectionPoint> point;
+    ASSERT_EQ(script.As(&points), S_OK);
+    EXPECT_EQ(points->FindConnectionPoint(DIID__IScriptExtensionEvents, &point), S_OK);
+    EXPECT_EQ(points->FindConnectionPoint(DIID__ITarnCommEvents, &point), CONNECT_E_NOCONNECTION);
+}
+
+TEST_F(ScriptExtensionTest, AnErrorThatIsNoMissingArgumentIsNoText) {
+    const _variant_t error(E_FAIL, VT_ERROR);
+    BSTR came = nullptr;
+    EXPECT_EQ(script->WaitFor(_variant_t(L"x"), error, missing, missing, missing, missing, missing, missing,
+                              missing, missing, &came),
+              DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(came, nullptr);
+}
+
 TEST_F(ScriptExtensionTest, WaitForGivesTheTextThatCame) {
     Open();
     ASSERT_TRUE(far_.Send("so: second!"));

@@ -177,6 +177,13 @@ TEST_F(TerminalText, ContentsReplaceTheScreen) {
     EXPECT_EQ(control.Text(&ITarnComm::get_Contents), ScreenOf("one\r\ntwo", 24));
 }
 
+TEST_F(TerminalText, ContentsMayHoldNuls) {
+    const BSTR text = SysAllocStringLen(L"a\0b", 3);
+    control->put_Contents(text);
+    SysFreeString(text);
+    EXPECT_NE(control.Text(&ITarnComm::get_Contents).find('b'), std::string::npos);
+}
+
 TEST_F(TerminalText, TextThatScrolledAwayIsInTheScrollback) {
     control->put_ScrollRows(10);
     control->put_Rows(2);
@@ -295,6 +302,30 @@ TEST_F(TerminalFont, ReachesTheTerminal) {
     given.As(&face);
     face->get_hFont(&handle);
     EXPECT_EQ(reinterpret_cast<HFONT>(SendMessageA(control.Object(), WM_GETFONT, 0, 0)), handle);
+}
+
+TEST_F(TerminalFont, StaysUsableForTheTerminalWhenItIsTakenAway) {
+    ComPtr<IFontDisp> given = FontOfSize(20);
+    control->putref_Font(given.Get());
+    given.Reset();
+    control->putref_Font(nullptr);
+    const auto shown = reinterpret_cast<HFONT>(SendMessageA(control.Object(), WM_GETFONT, 0, 0));
+    EXPECT_EQ(GetObjectType(shown), static_cast<DWORD>(OBJ_FONT));
+}
+
+TEST_F(TerminalFont, OneThatChangesInItselfLeavesTheTerminalItsOwn) {
+    const ComPtr<IFontDisp> given = FontOfSize(20);
+    control->putref_Font(given.Get());
+    ComPtr<IFont> face;
+    HFONT handle = nullptr;
+    given.As(&face);
+    CY size = {};
+    size.int64 = 300000;
+    face->put_Size(size);
+    face->get_hFont(&handle);
+    const auto shown = reinterpret_cast<HFONT>(SendMessageA(control.Object(), WM_GETFONT, 0, 0));
+    EXPECT_NE(shown, handle);
+    EXPECT_EQ(GetObjectType(shown), static_cast<DWORD>(OBJ_FONT));
 }
 
 TEST_F(TerminalFont, MayBeNone) {

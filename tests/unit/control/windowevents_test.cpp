@@ -155,7 +155,7 @@ TEST_F(WindowEvents, HandlersChangeOrDropCharacters) {
     host::FarEnd peer;
     Open();
     SetEcho(Object(), 1);
-    const TypedRow rows[] = {{'a', "a"}, {'z', "z"}, {0, ""}, {0xE9, "\xE9"}};
+    const TypedRow rows[] = {{'a', "a"}, {'z', "z"}, {0, ""}, {256, ""}, {0xE9, "\xE9"}};
     std::string shown;
     for (const TypedRow& row : rows) {
         Substitute(events::KeyPress, row.substitute);
