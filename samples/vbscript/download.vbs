@@ -1,8 +1,8 @@
 ' Opens a port, logs in at the far end by look-up, has it send a file by ZModem, and says how it went.
 '
-'     cscript //nologo download.vbs PORT SETTINGS USER PASSWORD PROMPT COMMAND FILE
+'     cscript //nologo download.vbs PORT SETTINGS USER PASSWORD PROMPT COMMAND FILE [NUMBER]
 '
-' COMMAND makes the far end send the file, as "sz notes.txt" does. FILE is its whole path here. Lantry.ocx has to be
+' PORT may be the name of a modem as Windows calls it; then NUMBER is dialled. COMMAND makes the far end send the file, as "sz notes.txt" does. FILE is its whole path here. Lantry.ocx has to be
 ' registered: regsvr32 Lantry.ocx. A 64-bit cscript wants the 64-bit module.
 Option Explicit
 
@@ -11,13 +11,16 @@ Const NoDialog = 0
 
 Dim args, comm
 Set args = WScript.Arguments
-If args.Count <> 7 Then Fail "Usage: download.vbs PORT SETTINGS USER PASSWORD PROMPT COMMAND FILE"
+If args.Count < 7 Or args.Count > 8 Then _
+    Fail "Usage: download.vbs PORT SETTINGS USER PASSWORD PROMPT COMMAND FILE [NUMBER]"
 
 Set comm = CreateObject("TarnLink.TarnComm")
 comm.AutoReceive = False ' what comes is for LookUp, and not for the terminal
 comm.CommPort = args(0)
 comm.Settings = args(1)
-comm.PortOpen = True
+comm.DialStatusDialog = NoDialog
+If args.Count = 8 Then comm.PhoneNumber = args(7)
+comm.PortOpen = True ' dials, where the port is a modem of Windows
 If Not comm.PortOpen Then Fail args(0) & " does not open: " & comm.PortStatus
 WScript.Echo args(0) & " is open, " & comm.Settings & "."
 

@@ -14,8 +14,9 @@ use_wine() {
     export WINEPREFIX=$wine_build/wine/$wine_name
     export WINEARCH=win64
     export WINEDEBUG=${WINEDEBUG:--all}
-    # No offer to download the first two; the third would write menus into the user's home.
-    export WINEDLLOVERRIDES='mscoree,mshtml,winemenubuilder.exe='
+    # No offer to download the first two; the third would write menus into the user's home. The libraries of
+    # TARN_NATIVE are the program's own and not Wine's.
+    export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=${TARN_NATIVE:+;$TARN_NATIVE=n}"
     unset DISPLAY WAYLAND_DISPLAY
 }
 

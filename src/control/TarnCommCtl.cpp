@@ -67,6 +67,7 @@ HRESULT CTarnCommCtl::FinalConstruct() {
         result = NewObject(m_pLocations);
     if (FAILED(result))
         return result;
+    m_pCommPorts->Contents().Attach(m_Tapi);
     SetDefaultFont();
     ApplyProperties();
     return S_OK;
@@ -77,6 +78,8 @@ void CTarnCommCtl::FinalRelease() {
     put_PortOpen(VARIANT_FALSE);
     if (m_pScriptExtension)
         m_pScriptExtension->Detach();
+    if (m_pCommPorts)
+        m_pCommPorts->Contents().Detach();
     DropInvisibleObject();
     DropWindowObject();
 }
@@ -223,12 +226,4 @@ bool CTarnCommCtl::OnTranslateAccelerator(MSG& message) {
         return false;
     SendMessageA(m_hWndComm, message.message, message.wParam, message.lParam);
     return true;
-}
-
-void CTarnCommCtl::OnDisconnected() {
-    SetCommID(CommObject(), INVALID_HANDLE_VALUE);
-    m_bTapiCall = false;
-    m_bConnected = false;
-    m_Properties.m_sPortStatus = L"Disconnected";
-    UpdateStatus();
 }

@@ -298,6 +298,10 @@ class CTarnCommCtl final
 
     // CTapiOwner
     void OnDisconnected() override;
+    void OnIdle() override;
+    void OnAnswered(HANDLE hComm) override;
+    void OnNotify(int code) override;
+    bool WantsCall() const override;
 
     void FinalRelease() override;
     void EndConnection();
@@ -318,6 +322,7 @@ class CTarnCommCtl final
     void HangUpCall();
     HRESULT SetPlainPortOpen(bool open);
     HRESULT DialLine(DWORD device);
+    void CancelDial();
 
     // Messages of the comm object's window, before it has them. True: answered by result.
     bool OnCommWindowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);

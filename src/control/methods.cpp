@@ -43,10 +43,12 @@ STDMETHODIMP CTarnCommCtl::TranslatePhoneNumber(BSTR Number, BSTR* Result) {
     return Body([&]() -> HRESULT {
         if (!Result)
             return E_POINTER;
-        const int line = LineOfPort();
-        *Result = MakeBstr(
-            line == noLine ? std::string()
-                           : m_Tapi.TranslatePhoneNumber(static_cast<DWORD>(line), AnsiOf(Number).c_str()));
+        // The rules are the location's: where the port is no line, any line will do.
+        const int own = LineOfPort();
+        DWORD device = own == noLine ? 0 : static_cast<DWORD>(own);
+        const bool hasLine = own != noLine || m_Tapi.FindNextDataModem(device);
+        *Result =
+            MakeBstr(hasLine ? m_Tapi.TranslatePhoneNumber(device, AnsiOf(Number).c_str()) : std::string());
         return S_OK;
     });
 }

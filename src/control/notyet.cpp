@@ -13,9 +13,6 @@ STDMETHODIMP CTarnCommCtl::get_CommandState(CommCommand, CommandState*) {
 STDMETHODIMP CTarnCommCtl::put_CommandState(CommCommand, CommandState) {
     return E_NOTIMPL;
 }
-STDMETHODIMP CTarnCommCtl::PropertiesDialog(VARIANT_BOOL*) {
-    return E_NOTIMPL;
-}
 STDMETHODIMP CTarnCommCtl::ShowSysInfo() {
     return E_NOTIMPL;
 }

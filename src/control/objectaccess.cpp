@@ -5,6 +5,7 @@
 #include "core/port.h"
 #include "core/rooms.h"
 #include "core/Tc-lkup.h"
+#include "TarnComm.h"
 
 #include <mutex>
 
@@ -34,6 +35,13 @@ void AttachControl(HWND hObject, CTarnCommCtl* control) {
 CTarnCommCtl* ControlOf(HWND hObject) {
     const COMCTL* record = RecordOf(hObject);
     return record ? record->lpControl : nullptr;
+}
+
+void GiveCallToObject(HWND hObject, HANDLE hComm) {
+    SetCommID(hObject, hComm);
+    COMCTL* record = RecordOf(hObject);
+    if (record && record->bPortOpen)
+        PrepareDevice(*record);
 }
 
 void NotifyObject(HWND hObject, int code) {

@@ -13,6 +13,10 @@ struct COMCTL;
 void AttachControl(HWND hObject, CTarnCommCtl* control);
 CTarnCommCtl* ControlOf(HWND hObject);
 
+// Attaches a device that the telephony service has opened, with the object's settings. One that isn't valid
+// detaches the present one.
+void GiveCallToObject(HWND hObject, HANDLE hComm);
+
 void NotifyObject(HWND hObject, int code);
 void ClearPendingError(HWND hObject);
 int LookUpMatchOf(HWND hObject);

@@ -1,8 +1,48 @@
 // PortOpen: opens a plain port, dials a line of the telephony service, closes either.
 #include "ansi.h"
 #include "guards.h"
+#include "modem/dialdialog.h"
 #include "objectaccess.h"
 #include "propertyrows.h"
+
+namespace {
+
+// The box that tells of a dial while it runs. A modal one keeps the program's window from the user meanwhile.
+class DialBox {
+  public:
+    DialBox(HWND object, int kind, std::function<void()> cancel)
+        : dialog_(GetParent(object), std::move(cancel)) {
+        if (kind == Dialog_Hidden || !dialog_.Create() || kind != Dialog_Modal)
+            return;
+        const HWND top = TopOf(object);
+        if (IsWindowEnabled(top)) {
+            EnableWindow(top, FALSE);
+            disabled_ = top;
+        }
+    }
+    // Enabled first: the system would look for another program's window to activate.
+    ~DialBox() {
+        if (disabled_)
+            EnableWindow(disabled_, TRUE);
+        dialog_.Close();
+        if (disabled_)
+            SetActiveWindow(disabled_);
+    }
+    DialBox(const DialBox&) = delete;
+    DialBox& operator=(const DialBox&) = delete;
+
+  private:
+    static HWND TopOf(HWND window) {
+        while (const HWND parent = GetParent(window))
+            window = parent;
+        return window;
+    }
+
+    CDialDialog dialog_;
+    HWND disabled_ = nullptr;
+};
+
+} // namespace
 
 // The line that the port's name stands for, the first usable one for no name, or noLine.
 int CTarnCommCtl::LineOfPort() const {
@@ -71,14 +111,23 @@ HRESULT CTarnCommCtl::DialLine(DWORD device) {
     m_bTapiCall = true;
     m_Properties.m_sPortStatus = L"Dialing " + m_Properties.m_sPhoneNumber;
     UpdateStatus();
-    m_bConnected = m_Tapi.Dial(device, number.c_str(), GetSettingsBaud(CommObject()));
-    m_bTapiCall = m_bConnected;
-    if (!m_bConnected) {
-        m_Properties.m_sPortStatus = WideOf(m_Tapi.LastError());
-        return S_OK;
+    const DialBox box(CommObject(), m_Properties.m_nDialStatusDialog, [this] { CancelDial(); });
+    bool done = m_Tapi.Dial(device, number.c_str(), GetSettingsBaud(CommObject()));
+    if (done && !WantsCall()) { // the host has gone just then
+        m_Tapi.HangUp();
+        done = false;
     }
-    m_Properties.m_sPortStatus = L"Connected";
-    SetCommID(CommObject(), m_Tapi.GetCommHandle());
+    m_bTapiCall = done;
+    m_bConnected = done;
+    m_Properties.m_sPortStatus = done ? L"Connected" : WideOf(m_Tapi.LastError());
+    if (!done)
+        return S_OK;
+    GiveCallToObject(CommObject(), m_Tapi.GetCommHandle());
     NotifyObject(CommObject(), TARN_EVENT_CARRIER);
     return S_OK;
+}
+
+void CTarnCommCtl::CancelDial() {
+    VARIANT_BOOL done = VARIANT_FALSE;
+    get_HangUp(&done);
 }

@@ -58,13 +58,6 @@ HRESULT TelephonyFailure(CTarnCommCtl& control) {
     return control.ReportError(GeneralFailure, control.Telephony().StartUpError().c_str());
 }
 
-std::vector<std::wstring> WideTexts(const std::vector<std::string>& texts) {
-    std::vector<std::wstring> wide;
-    for (const std::string& text : texts)
-        wide.push_back(WideOf(text));
-    return wide;
-}
-
 } // namespace
 
 CACHED(UseTAPI, VARIANT_BOOL, m_bUseTAPI)
@@ -185,7 +178,7 @@ STDMETHODIMP CTarnCommCtl::get_Locations(ITapiLocation** value) {
         *value = nullptr;
         const ComPtr<CTapiLocation> locations = m_pLocations;
         Log().ReturnsWord("Locations", "Collection");
-        locations->Fill(WideTexts(m_Tapi.Locations()));
+        locations->Contents().Read(m_Tapi);
         return locations->QueryInterface(IID_PPV_ARGS(value));
     });
 }
@@ -231,7 +224,6 @@ STDMETHODIMP CTarnCommCtl::put_Config(BSTR value) {
     });
 }
 
-// Nobody enumerates the machine's ports yet, so the collection is empty.
 STDMETHODIMP CTarnCommCtl::get_CommPorts(ICommPort** value) {
     return Body([&]() -> HRESULT {
         if (!value)
@@ -240,6 +232,7 @@ STDMETHODIMP CTarnCommCtl::get_CommPorts(ICommPort** value) {
         const ComPtr<CCommPort> ports = m_pCommPorts;
         if (!ports)
             return S_OK;
+        ports->Contents().Names();
         Log().ReturnsWord("CommPorts", "Collection");
         return ports->QueryInterface(IID_PPV_ARGS(value));
     });

@@ -46,6 +46,14 @@ bool IsDevice(HANDLE device) {
     return device && device != INVALID_HANDLE_VALUE;
 }
 
+bool PrepareDevice(COMCTL& record) {
+    SetupComm(record.hComm, static_cast<DWORD>(record.cbInBuffer), static_cast<DWORD>(record.cbOutBuffer));
+    COMMTIMEOUTS timeouts = immediateReads;
+    SetCommTimeouts(record.hComm, &timeouts);
+    record.dwModemStat = ReadModemStatus(record);
+    return RebuildDeviceState(record, Speed::Apply);
+}
+
 bool OpenPort(COMCTL& record, std::string& error) {
     const std::string path = std::string("\\\\.\\") + record.szPort;
     const HANDLE device = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
@@ -60,12 +68,8 @@ bool OpenPort(COMCTL& record, std::string& error) {
         error = OpenErrorText(openError);
         return false;
     }
-    SetupComm(record.hComm, static_cast<DWORD>(record.cbInBuffer), static_cast<DWORD>(record.cbOutBuffer));
-    COMMTIMEOUTS timeouts = immediateReads;
-    SetCommTimeouts(record.hComm, &timeouts);
-    record.dwModemStat = ReadModemStatus(record);
     record.bPortOpen = 1;
-    if (!RebuildDeviceState(record, Speed::Apply)) {
+    if (!PrepareDevice(record)) {
         // The mask first: a monitor sets its own, and must have the last word or it would never hear of a
         // byte.
         SetCommMask(record.hComm, signalEvents);

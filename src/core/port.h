@@ -8,6 +8,9 @@
 // Opens the device that szPort names. On failure the text says why.
 bool OpenPort(COMCTL& record, std::string& error);
 
+// Buffers, time-outs and line settings for the open device. False: it refuses the settings.
+bool PrepareDevice(COMCTL& record);
+
 // Purges, drops DTR and closes.
 void ClosePort(COMCTL& record);
 

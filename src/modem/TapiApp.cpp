@@ -1,57 +1,151 @@
 #include "TapiApp.h"
 
+#include "core/notify.h"
+#include "diagnostics/swallow.h"
+#include "diagnostics/wiretap.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+constexpr char applicationName[] = "Lantry";
+constexpr LONG operationFailed = static_cast<LONG>(LINEERR_OPERATIONFAILED);
+
+struct StartUpReason {
+    DWORD error;
+    const char* szText;
+};
+
+constexpr StartUpReason startUpReasons[] = {
+    {LINEERR_INIFILECORRUPT, "Ini file is corrupt."},
+    {LINEERR_INVALAPPNAME, "Invalid application name."},
+    {LINEERR_INVALPARAM, "Invalid parameter."},
+    {LINEERR_INVALPOINTER, "Invalid pointer."},
+    {LINEERR_NOMEM, "Out of memory."},
+    {LINEERR_OPERATIONFAILED, "Operation failed."},
+    {LINEERR_REINIT, "Line re-initialized."},
+};
+
+std::string ReasonOf(LONG error) {
+    const auto* found =
+        std::find_if(std::begin(startUpReasons), std::end(startUpReasons),
+                     [&](const StartUpReason& row) { return static_cast<LONG>(row.error) == error; });
+    if (found != std::end(startUpReasons))
+        return found->szText;
+    return "Error code " + std::to_string(error) + ".";
+}
+
+HINSTANCE ModuleOfThisCode() {
+    HMODULE module = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<const char*>(&applicationName), &module);
+    return module;
+}
+
+} // namespace
+
+CTapiApp::CTapiApp(CTapiOwner& owner, const TapiLimits& theLimits) : pControl(owner), limits(theLimits) {
+    try {
+        life = std::make_shared<const bool>(true);
+        hShutdown = ManualResetEvent();
+        lInitResult = InitializeService();
+        if (lInitResult != 0) {
+            bDisabled = true;
+            LogText("lineInitializeEx failed\n");
+            return;
+        }
+        LogLines();
+        bDisabled = !StartListening();
+    } catch (...) {
+        SwallowException("CTapiApp");
+        bDisabled = true;
+    }
+}
+
+// May run inside of an event that the thread sent: it is not answered then, but told to stop.
+CTapiApp::~CTapiApp() {
+    life.reset();
+    try {
+        bool isDialling = false;
+        {
+            const std::lock_guard guard(call.lock);
+            isDialling = call.IsDialling();
+        }
+        if (isDialling) {
+            pControl.OnDisconnected();
+            EndCall();
+        }
+    } catch (...) {
+        SwallowException("~CTapiApp");
+    }
+    SetEvent(hShutdown.get());
+    EndModuleThread(std::move(hThread), limits.threadEnd);
+    newsWindow.reset();
+    HLINE line = 0;
+    {
+        const std::lock_guard guard(call.lock);
+        line = call.TakeLine();
+    }
+    if (line)
+        pService->lineClose(line);
+    if (hLineApp)
+        pService->lineShutdown(hLineApp);
+}
+
 std::string CTapiApp::StartUpError() const {
-    return m_bDisabled ? "Unable to access the Windows Telephony API: Operation failed." : "";
+    if (!bDisabled)
+        return "";
+    const LONG error = lInitResult ? lInitResult : operationFailed;
+    return "Unable to access the Windows Telephony API: " + ReasonOf(error);
 }
 
-int CTapiApp::FindModem(const char*) const {
-    return noLine;
+// A service that answers success and has filled in no handle or no event is none.
+LONG CTapiApp::InitializeService() {
+    pService = BindTapiService();
+    if (!pService)
+        return operationFailed;
+    LINEINITIALIZEEXPARAMS parameters = {};
+    parameters.dwTotalSize = sizeof parameters;
+    parameters.dwOptions = LINEINITIALIZEEXOPTION_USEEVENT;
+    const LONG result = pService->lineInitializeExA(&hLineApp, ModuleOfThisCode(), nullptr, applicationName,
+                                                    &dwNumDevs, &dwAPIVersion, &parameters);
+    if (result != 0) {
+        hLineApp = 0;
+        return result;
+    }
+    hLineEvent = parameters.Handles.hEvent;
+    return hLineApp && hLineEvent ? 0 : operationFailed;
 }
 
-bool CTapiApp::FindNextDataModem(DWORD&) const {
-    return false;
+void CTapiApp::LogLines() const {
+    for (DWORD device = 0; device < dwNumDevs; ++device)
+        LogText(IsDataModem(device) ? "Data\r" : "Voice\n");
 }
 
-std::string CTapiApp::GetModemName(DWORD) const {
-    return "";
+bool CTapiApp::StartListening() {
+    newsWindow = std::make_unique<NewsWindow>([this](WPARAM news) { OnNews(static_cast<News>(news)); });
+    if (!newsWindow->Handle() || !hShutdown)
+        return false;
+    ownerSend = std::make_unique<StoppableSend>(newsWindow->Handle(), hShutdown.get());
+    hThread = StartModuleThread([this] { TapiThread(); });
+    return static_cast<bool>(hThread);
 }
 
-bool CTapiApp::Dial(DWORD, const char*, LONG) {
-    return false;
+// The object may be gone when the owner returns.
+void CTapiApp::OnNews(News news) {
+    if (!life)
+        return;
+    switch (news) {
+    case News::Disconnected:
+        return pControl.OnDisconnected();
+    case News::Idle:
+        return pControl.OnIdle();
+    case News::Answered:
+        return pControl.OnAnswered(GetCommHandle());
+    case News::Ring:
+        return pControl.OnNotify(Event_Ring);
+    case News::Carrier:
+        return pControl.OnNotify(Event_CarrierChanged);
+    }
 }
-
-// The owner gives its handle up whatever the service says.
-bool CTapiApp::HangUp() {
-    m_Owner.OnDisconnected();
-    return false;
-}
-
-HANDLE CTapiApp::GetCommHandle() const {
-    return INVALID_HANDLE_VALUE;
-}
-
-bool CTapiApp::SetAnswer(bool, DWORD) {
-    return false;
-}
-
-std::vector<std::string> CTapiApp::Locations() const {
-    return {};
-}
-
-std::string CTapiApp::GetCurrentLocationName() const {
-    return "";
-}
-
-bool CTapiApp::SetCurrentLocation(const char*) {
-    return false;
-}
-
-std::string CTapiApp::TranslatePhoneNumber(DWORD, const char*) const {
-    return "";
-}
-
-std::string CTapiApp::GetDeviceConfig(DWORD) const {
-    return "";
-}
-
-void CTapiApp::SetDeviceConfig(DWORD, const char*) {}

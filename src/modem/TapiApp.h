@@ -1,63 +1,176 @@
 // CTapiApp: the control's bridge to the platform's telephony service, for modems that the service names. It
-// belongs to one owner and runs on the owner's thread.
+// belongs to one owner and is called on the owner's thread. A thread of its own waits for the service's
+// messages and turns them into the state of the call; what the owner must hear is sent to the owner's thread.
 //
-// The service is not bound yet: every object is in the state that it has where the service fails to start,
-// with no line, no location and no call.
+// A machine without the service, or one whose service fails to start, leaves the object disabled: no line, no
+// location, no call. The service is Microsoft's Telephony API, version 2.0.
 #pragma once
 
-#include <windows.h>
+#include "callstate.h"
+#include "core/handle.h"
+#include "core/stoppablesend.h"
+#include "core/thread.h"
+#include "newswindow.h"
+#include "tapiservice.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 inline constexpr int noLine = -1;
 
-// What it tells its owner.
+// What a call means to its owner. All on the owner's thread; the host may run in each of them, so that the
+// CTapiApp may be gone when one returns.
 class CTapiOwner {
   public:
-    // The call is over; the owner gives its handle up.
+    // The call is over: gives its handle up, shows "Disconnected".
     virtual void OnDisconnected() = 0;
+    // The line is idle again: no handle, and the display shows it.
+    virtual void OnIdle() = 0;
+    // A call that was answered carries data: takes the handle, tells of the new connection and the carrier.
+    virtual void OnAnswered(HANDLE hComm) = 0;
+    // An event of the comm object, by its code.
+    virtual void OnNotify(int code) = 0;
+    // False ends a dial: its host has gone.
+    virtual bool WantsCall() const = 0;
 
   protected:
     ~CTapiOwner() = default;
 };
 
+// Limits of the waits, in milliseconds.
+struct TapiLimits {
+    DWORD silence = 120000; // of a service during a dial; then the dial has failed
+    DWORD threadEnd = 2000; // for the thread to stop; then it is terminated
+};
+
 class CTapiApp {
   public:
-    explicit CTapiApp(CTapiOwner& owner) : m_Owner(owner) {}
+    explicit CTapiApp(CTapiOwner& owner, const TapiLimits& limits = {});
+    virtual ~CTapiApp();
     CTapiApp(const CTapiApp&) = delete;
     CTapiApp& operator=(const CTapiApp&) = delete;
 
-    bool IsDisabled() const { return m_bDisabled; }
+    bool IsDisabled() const { return bDisabled; }
 
     // Why telephony is out of use, a sentence for people; empty while it works.
     std::string StartUpError() const;
 
-    // The line with this name, case aside, or noLine.
-    int FindModem(const char* szName) const;
+    // Lines (tapilines.cpp)
+
+    // The version for this device; that of the start if the service names none.
+    DWORD NegotiateVersion(DWORD device) const;
+    bool IsDataModem(DWORD device) const;
     // The first line from this one on that takes data calls. False: there is none.
     bool FindNextDataModem(DWORD& device) const;
-    // Empty if it is no such line.
+    // Empty if the line takes no data calls.
     std::string GetModemName(DWORD device) const;
+    // False if the line takes no data calls; then the texts are empty.
+    bool GetModemName(DWORD device, std::string& name, std::string& provider, DWORD& permanentId) const;
+    // The line with this name, case aside, or noLine.
+    int FindModem(const char* szName) const;
+    // The service's own dialog for the line's settings.
+    void ConfigDialog(DWORD device, HWND hOwner) const;
 
-    // Places a call and waits for its end. False: LastError says why.
+    // Calls (tapicalls.cpp)
+
+    // Places a call at this rate (bits per second, 0: any) and waits for its end, serving messages. False:
+    // LastError says why; it may be empty.
     bool Dial(DWORD device, const char* szNumber, LONG rate);
+    // Drops the call or closes the line.
     bool HangUp();
+    // The data handle of the current call, or INVALID_HANDLE_VALUE.
     HANDLE GetCommHandle() const;
-    const char* LastError() const { return m_lpszError ? m_lpszError : ""; }
-
+    std::string LastError() const;
     // The state after: whether calls are answered.
     bool SetAnswer(bool on, DWORD device);
+    bool IsDialling() const;
+
+    // Locations and translation (tapilocations.cpp)
 
     std::vector<std::string> Locations() const;
-    std::string GetCurrentLocationName() const;
+    std::string GetCurrentLocationName() const; // empty if not found
+    // Country 1 and an empty area code if not found.
+    void GetCurrentLocationCountryIDAndAreaCode(DWORD& countryId, std::string& areaCode) const;
+    int GetLocationID(const char* szName) const; // or -1
+    // False: there is no such location.
     bool SetCurrentLocation(const char* szName);
     std::string TranslatePhoneNumber(DWORD device, const char* szNumber) const;
+    // Adds "name (code)" for each country, with its identifier as the item's data.
+    void AddCountriesToCombo(HWND hCombo) const;
+
+    // A line's configuration as text, two letters a byte (tapiconfig.cpp)
+
     std::string GetDeviceConfig(DWORD device) const;
     void SetDeviceConfig(DWORD device, const char* szText);
 
   private:
-    CTapiOwner& m_Owner;
-    bool m_bDisabled = true;
-    const char* m_lpszError = nullptr; // of the last call
+    // What the owner is told by the telephony thread.
+    enum class News : WPARAM { Disconnected, Idle, Answered, Ring, Carrier };
+    enum class Pumped { On, Quit, Gone };
+    struct ThreadTables; // tapithread.cpp
+    using Life = std::weak_ptr<const bool>;
+
+    // Start (TapiApp.cpp)
+    LONG InitializeService();
+    bool StartListening();
+    void LogLines() const;
+    // On the owner's thread.
+    void OnNews(News news);
+
+    // Calls (tapicalls.cpp)
+    HLINE OpenLine(DWORD device, DWORD privileges, LONG& result) const;
+    HLINE OpenToAnswer(DWORD device) const;
+    bool StartAnswering(DWORD device);
+    bool StopAnswering();
+    bool PlaceCall(DWORD device, const char* szNumber, LONG rate, const Life& life);
+    bool RequestCall(HLINE line, const std::string& number, LONG rate, const Life& life);
+    std::string NumberToDial(DWORD device, const char* szNumber) const;
+    void WaitForDial(const Life& life);
+    void WaitForReason(const Life& life);
+    bool IsWaiting() const;
+    Pumped PumpMessages(const Life& life) const;
+    const char* WhyToGiveUp(Pumped pumped) const;
+    bool FinishDial();
+    // Nobody waits for the reply.
+    void DropForGood(HCALL dropped);
+    // What HangUp does once the owner has given its handle up. On both threads.
+    bool EndCall(const char* szReason = callCanceled);
+    // On both threads: notes why, if the reason is known before the call is ended.
+    void NoteFailedRequest(LONG error);
+
+    // The thread's body, and what it does with a message (tapithread.cpp).
+    void TapiThread();
+    bool ServeMessage();
+    void TakeMessage(const LINEMESSAGE& message);
+    // False: it is time to stop.
+    bool Tell(News news, const char* szLabel);
+    bool HangUpFromThread(const char* szLabel, const char* szReason = callCanceled);
+    void TakeCallState(const LINEMESSAGE& message);
+    void TakeDeviceState(const LINEMESSAGE& message);
+    void TakeReply(const LINEMESSAGE& message);
+    void RequestFailed(DWORD_PTR request, LONG error);
+    void CallIdle(const LINEMESSAGE& message);
+    void CallOffered(const LINEMESSAGE& message);
+    void CallBusy(const LINEMESSAGE& message);
+    void CallConnected(const LINEMESSAGE& message);
+    void CallDisconnected(const LINEMESSAGE& message);
+    void OpenAgain();
+
+    CTapiOwner& pControl;
+    TapiLimits limits;
+    const TapiService* pService = nullptr; // null: there is none on this machine
+    HLINEAPP hLineApp = 0;
+    DWORD dwAPIVersion = 0x20000; // the highest wanted, then the one to be had
+    DWORD dwNumDevs = 0;
+    HANDLE hLineEvent = nullptr; // the service's
+    EventHandle hShutdown;
+    WorkerHandle hThread;
+    bool bDisabled = false;
+    LONG lInitResult = 0;
+    CallState call; // shared with the thread, under its own lock
+
+    std::shared_ptr<const bool> life; // owner's thread only; who calls the owner watches it
+    std::unique_ptr<NewsWindow> newsWindow;
+    std::unique_ptr<StoppableSend> ownerSend; // the thread's
 };

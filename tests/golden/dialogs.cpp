@@ -2,8 +2,15 @@
 #include "bitmap.h"
 
 #include "core/comctl.h"
+#include "modem/connectiondialogs.h"
+#include "modem/connectionproperties.h"
+#include "modem/dialdialog.h"
+#include "modem/propertydialog.h"
+#include "modem/SerialPortProperties.h"
 #include "support/host.h"
+#include "support/nocalls.h"
 #include "transfer/statusdialog.h"
+#include "unit/dialogs/doubles.h"
 
 #include <commctrl.h>
 
@@ -81,7 +88,7 @@ constexpr Scene scenes[] = {
     {"status-wide", StatusTemplateWide, XferDownload, Leave},
 };
 
-bool Play(const Scene& scene, const std::string& folder) {
+bool Play(const Scene& scene, const std::string& path) {
     COMCTL record;
     TRANSFER transfer;
     transfer.lpComCtl = &record;
@@ -93,10 +100,91 @@ bool Play(const Scene& scene, const std::string& folder) {
     transfer.hDlg = dialog.get();
     OpenStatusDialog(transfer);
     scene.play(dialog.get(), transfer);
-    if (dialog.get() && Store(dialog.get(), folder + "\\" + scene.name + ".bmp"))
-        return true;
-    std::printf("%s: can't be made\n", scene.name);
-    return false;
+    return dialog.get() && Store(dialog.get(), path);
+}
+
+// The connection dialogs
+
+constexpr char modem[] = "R&D's Fast Modem V.92";
+
+bool StoreOpen(CMyDialog& dialog, const std::string& path) {
+    return dialog.Create() && Store(dialog.Window(), path);
+}
+
+bool StoreDial(CTapiApp&, const std::string& path) {
+    CDialDialog dialog(nullptr, nullptr);
+    return StoreOpen(dialog, path);
+}
+
+bool StoreConnection(CTapiApp& tapi, ConnectionChoice choice, const std::string& path) {
+    CConnectionProperties dialog(nullptr, choice, tapi, [] {
+        return std::vector<std::string>{"COM3", "COM1", modem};
+    });
+    return StoreOpen(dialog, path);
+}
+
+bool StoreModem(CTapiApp& tapi, const std::string& path) {
+    return StoreConnection(tapi, {modem, "+49 (30) 5551212", "", 0}, path);
+}
+
+bool StorePort(CTapiApp& tapi, const std::string& path) {
+    return StoreConnection(tapi, {"COM1", "", "", 0}, path);
+}
+
+bool StoreSerialPort(CTapiApp&, const std::string& path) {
+    std::string settings = "7200,e,7,1";
+    int handshaking = TARN_HANDSHAKING_NONE;
+    CSerialPortProperties dialog(nullptr, settings, handshaking);
+    return StoreOpen(dialog, path);
+}
+
+bool StoreDirect(CTapiApp& tapi, const std::string& path) {
+    ConnectionChoice choice = {"COM64", "", "115200,n,8,1", 0};
+    CPropertyDialog dialog(nullptr, choice, tapi);
+    return StoreOpen(dialog, path);
+}
+
+bool StoreDialled(CTapiApp& tapi, const std::string& path) {
+    ConnectionChoice choice = {modem, "5551212", "9600,n,8,1", 0};
+    CPropertyDialog dialog(nullptr, choice, tapi);
+    return StoreOpen(dialog, path);
+}
+
+struct ConnectionScene {
+    const char* name;
+    bool (*store)(CTapiApp& tapi, const std::string& path);
+};
+
+constexpr ConnectionScene connectionScenes[] = {
+    {"dial", StoreDial},
+    {"connection-modem", StoreModem},
+    {"connection-port", StorePort},
+    {"serial-port", StoreSerialPort},
+    {"property-direct", StoreDirect},
+    {"property-dial", StoreDialled},
+};
+
+bool Play(const ConnectionScene& scene, const std::string& path) {
+    doubles::service.lines = {modem};
+    doubles::service.countries = {{"Denmark (45)", 45}, {"Germany (49)", 49}};
+    doubles::service.countryId = 45;
+    doubles::service.areaCode = "89";
+    host::NoCalls owner;
+    CTapiApp tapi(owner);
+    return scene.store(tapi, path);
+}
+
+// False if one can't be made.
+template <class Scenes>
+bool PlayAll(const Scenes& scenes, const std::string& folder) {
+    bool good = true;
+    for (const auto& scene : scenes) {
+        if (Play(scene, folder + "\\" + scene.name + ".bmp"))
+            continue;
+        std::printf("%s: can't be made\n", scene.name);
+        good = false;
+    }
+    return good;
 }
 
 } // namespace
@@ -104,8 +192,7 @@ bool Play(const Scene& scene, const std::string& folder) {
 int main(int count, char** words) {
     if (count != 2)
         return 2;
-    bool good = true;
-    for (const Scene& scene : scenes)
-        good &= Play(scene, words[1]);
-    return good ? 0 : 1;
+    const bool status = PlayAll(scenes, words[1]);
+    const bool connection = PlayAll(connectionScenes, words[1]);
+    return status && connection ? 0 : 1;
 }

@@ -133,6 +133,8 @@ class EventControlTest : public LineTest {
         EXPECT_EQ(NewObject(control), S_OK);
         EXPECT_EQ(container.Hold(static_cast<ITarnComm*>(control.Get())), S_OK);
         ear.Connect(*control.Get());
+        StartLogAnew(); // telephony has told of its start
+        DeleteFileA(logfiles::WireTapPath().c_str());
     }
     ~EventControlTest() override {
         ear.onEvent = nullptr;

@@ -225,25 +225,27 @@ TEST_F(ModemProperties, AnswerCallsTellsTheLogWhatBecameOfIt) {
 }
 
 template <class Collection>
-void ExpectEmpty(Collection* collection) {
-    ASSERT_TRUE(collection);
+LONG CountOf(Collection* collection) {
     LONG count = -1;
-    EXPECT_EQ(collection->get_Count(&count), S_OK);
-    EXPECT_EQ(count, 0);
+    EXPECT_EQ(collection ? collection->get_Count(&count) : E_POINTER, S_OK);
+    return count;
 }
 
-TEST_F(ModemProperties, CollectionsAreEmpty) {
+// How many ports there are is the machine's affair.
+TEST_F(ModemProperties, CollectionsOutliveTheControl) {
     LogProperties();
     Microsoft::WRL::ComPtr<ITapiLocation> locations;
     EXPECT_EQ(control->get_Locations(&locations), S_OK);
-    ExpectEmpty(locations.Get());
+    EXPECT_EQ(CountOf(locations.Get()), 0);
     Microsoft::WRL::ComPtr<ICommPort> ports;
     EXPECT_EQ(control->get_CommPorts(&ports), S_OK);
-    ExpectEmpty(ports.Get());
+    const LONG count = CountOf(ports.Get());
+    EXPECT_GE(count, 0);
     EXPECT_EQ(Logged("TarnComm.Locations returns Collection"), 1);
     EXPECT_EQ(Logged("TarnComm.CommPorts returns Collection"), 1);
     control.Reset();
-    ExpectEmpty(ports.Get()); // they outlive the control
+    EXPECT_EQ(CountOf(locations.Get()), 0);
+    EXPECT_EQ(CountOf(ports.Get()), count);
 }
 
 TEST_F(ModemProperties, LocationNeedsTelephony) {

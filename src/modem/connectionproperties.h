@@ -1,0 +1,58 @@
+// CConnectionProperties: the port or modem of a connection, and the number that the modem dials.
+#pragma once
+
+#include "connectionchoice.h"
+#include "dialogrows.h"
+#include "mydialog.h"
+#include "phonenumber.h"
+#include "TapiApp.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+class CConnectionProperties final : public CMyDialog {
+  public:
+    using PortNames = std::function<std::vector<std::string>()>;
+
+    // The choice is changed by OK alone; it and the service must outlive the dialog. portNames gives ports
+    // and modems in the order of the list.
+    CConnectionProperties(HWND hOwner, ConnectionChoice& choice, CTapiApp& tapi, PortNames portNames);
+
+  private:
+    static const InitStep<CConnectionProperties> initSteps[];
+    static const CommandRow<CConnectionProperties> commands[];
+
+    bool OnInitDialog() override;
+    bool OnCommand(int nControl, int nNotification) override;
+
+    void LimitTexts();
+    void InitTab();
+    void AddPorts();
+    void AddCountries();
+    void ParseNumber();
+    void TakeLocation();
+    void SelectCountry();
+    void ShowChoice();
+
+    void OnOK();
+    void OnCancel();
+    void OnConfigure();
+    void OnClickedUseAreaCode();
+    void OnSelEndOK();
+
+    int SelectedModem() const;
+    bool IsAreaCodeUsed() const;
+    std::string EnteredNumber() const;
+    void ConfigurePort();
+
+    ConnectionChoice* pChoice;
+    ConnectionChoice edited;
+    CTapiApp* pTapi;
+    PortNames portNames;
+
+    bool bUseAreaCode = false;
+    DWORD dwCountryID = 1;
+    std::string szAreaCode;
+    std::string szPhoneNumber;
+};

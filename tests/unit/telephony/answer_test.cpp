@@ -1,0 +1,203 @@
+// Calls that are answered.
+#include "testowner.h"
+
+namespace {
+
+class TapiAnswer : public TapiTest {};
+
+using Texts = std::vector<std::string>;
+
+TEST_F(TapiAnswer, OpensTheLineAsOwnerWithFiveRings) {
+    Start();
+    ExchangeClearRecord();
+    EXPECT_TRUE(app->SetAnswer(true, otherLine));
+    EXPECT_EQ(Asked("lineOpen device=2 privileges=owner media=10"), 1) << Record();
+    EXPECT_EQ(Asked("lineSetNumRings address=2 rings=5"), 1) << "the device's number as address";
+    for (const char* line :
+         {"SetAnswer(1)", "LineOpen returns 0x0", "lineSetNumRings(5) returns 0", "SetAnswer returns 1"})
+        EXPECT_EQ(Logged(line), 1) << line;
+}
+
+TEST_F(TapiAnswer, TheSameAgainDoesNothing) {
+    StartAnswering();
+    ExchangeClearRecord();
+    EXPECT_TRUE(app->SetAnswer(true, otherLine));
+    EXPECT_EQ(Record(), "");
+    EXPECT_EQ(Logged("AnswerCalls set to same value - no action take"), 1);
+    app->SetAnswer(false, dataLine);
+    EXPECT_TRUE(app->SetAnswer(false, dataLine)) << "the answer to the same value";
+    EXPECT_EQ(Logged("AnswerCalls set to same value - no action take"), 2);
+}
+
+TEST_F(TapiAnswer, OffClosesTheLine) {
+    StartAnswering();
+    EXPECT_FALSE(app->SetAnswer(false, dataLine));
+    EXPECT_EQ(Held().lines, 0U);
+    for (const char* line : {"SetAnswer(0)", "LineClose returns 0x0", "SetAnswer returns 0"})
+        EXPECT_EQ(Logged(line), 1) << line;
+    EXPECT_TRUE(app->SetAnswer(true, dataLine)) << "on again";
+}
+
+TEST_F(TapiAnswer, DuringACallItIsRefused) {
+    ExchangeAddRule("5551", ExchangeConnects, 0);
+    Start();
+    ASSERT_TRUE(app->Dial(dataLine, "5551", 0));
+    ExchangeClearRecord();
+    EXPECT_FALSE(app->SetAnswer(true, otherLine));
+    EXPECT_EQ(Record(), "");
+    const FileHandle comm(app->GetCommHandle());
+    EXPECT_TRUE(comm) << "the call goes on";
+}
+
+TEST_F(TapiAnswer, ALineThatDoesNotOpenDoesNotAnswer) {
+    Start();
+    for (const LONG result : {TapiError(LINEERR_ALLOCATED), 0L}) {
+        ExchangeFail("lineOpenA", result, 1);
+        EXPECT_FALSE(app->SetAnswer(true, dataLine));
+    }
+    EXPECT_EQ(Logged("LineOpen returns 0x80000001"), 1) << logfiles::Messages();
+    EXPECT_EQ(Logged("lineOpen failed"), 2);
+    EXPECT_EQ(Asked("lineSetNumRings"), 0);
+    EXPECT_TRUE(app->SetAnswer(true, dataLine)) << "it may be tried again";
+}
+
+TEST_F(TapiAnswer, ADialWhileItAnswersIsUnavailable) {
+    StartAnswering();
+    EXPECT_FALSE(app->Dial(dataLine, "5551", 0));
+    EXPECT_EQ(app->LastError(), "Connection unavailable");
+    EXPECT_EQ(Held().lines, 1U);
+}
+
+TEST_F(TapiAnswer, ACallIsAnsweredAndItsHandleTold) {
+    AnswerACall();
+    EXPECT_EQ(owner.Events(), (Texts{"notify 6", "answered"}));
+    EXPECT_TRUE(owner.AllOnThread(GetCurrentThreadId()));
+    EXPECT_TRUE(owner.comm);
+    COMMTIMEOUTS timeouts = {};
+    EXPECT_TRUE(GetCommTimeouts(owner.comm.get(), &timeouts));
+    EXPECT_EQ(Asked("lineAnswer"), 1);
+    EXPECT_EQ(Asked("lineGetID select=4"), 1);
+}
+
+TEST_F(TapiAnswer, TheLineOpensAgainWhenTheFarEndHangsUp) {
+    AnswerACall();
+    for (int call = 1; call <= 3; ++call) {
+        owner.Forget();
+        ExchangeClearRecord();
+        ExchangeFarHangUp(dataLine, LINEDISCONNECTMODE_NORMAL);
+        EXPECT_TRUE(host::PumpUntil([] { return Asked("lineSetNumRings address=0 rings=5") == 1; }));
+        EXPECT_EQ(owner.Events(), (Texts{"disconnected", "notify 5", "idle"}));
+        EXPECT_FALSE(owner.comm);
+        EXPECT_EQ(Held().lines, 1U);
+        EXPECT_EQ(Held().calls, 0U);
+        owner.Forget();
+        ExchangeRing(dataLine);
+        EXPECT_TRUE(PumpUntilHeard("answered")) << call;
+    }
+}
+
+TEST_F(TapiAnswer, HangUpDropsTheCallAndAnswersAgain) {
+    AnswerACall();
+    ExchangeClearRecord();
+    EXPECT_TRUE(app->HangUp());
+    EXPECT_FALSE(owner.comm);
+    EXPECT_TRUE(host::PumpUntil([] { return Asked("lineSetNumRings") == 1; }));
+    owner.Forget();
+    ExchangeRing(dataLine);
+    EXPECT_TRUE(PumpUntilHeard("answered"));
+}
+
+TEST_F(TapiAnswer, ALineThatDoesNotOpenAgainAnswersNoMore) {
+    AnswerACall();
+    ExchangeFail("lineOpenA", TapiError(LINEERR_RESOURCEUNAVAIL), 1);
+    ExchangeFarHangUp(dataLine, LINEDISCONNECTMODE_NORMAL);
+    EXPECT_TRUE(host::PumpUntil([] { return Logged("SetAnswer returns 0") == 1; }));
+    EXPECT_EQ(Held().lines, 0U);
+    EXPECT_TRUE(app->SetAnswer(true, dataLine));
+}
+
+TEST_F(TapiAnswer, TurnedOffWhenTheLineGoesIdleItStaysOff) {
+    AnswerACall();
+    bool stillOn = true;
+    owner.OnEventDo([&](const std::string& event) {
+        if (event == "idle")
+            stillOn = app->SetAnswer(false, dataLine);
+    });
+    ExchangeClearRecord();
+    ExchangeFarHangUp(dataLine, LINEDISCONNECTMODE_NORMAL);
+    EXPECT_TRUE(PumpUntilHeard("idle"));
+    EXPECT_FALSE(stillOn);
+    host::Pump(100);
+    EXPECT_EQ(Asked("lineOpen"), 0);
+    EXPECT_EQ(Held().lines, 0U);
+}
+
+TEST_F(TapiAnswer, NoDialGetsBetweenIdleAndTheNextOpening) {
+    AnswerACall();
+    bool dialled = true;
+    owner.OnEventDo([&](const std::string& event) {
+        if (event == "idle")
+            dialled = app->Dial(dataLine, "5551", 0);
+    });
+    ExchangeFarHangUp(dataLine, LINEDISCONNECTMODE_NORMAL);
+    EXPECT_TRUE(PumpUntilHeard("idle"));
+    EXPECT_FALSE(dialled);
+    EXPECT_EQ(Asked("lineMakeCall"), 0);
+    EXPECT_TRUE(host::PumpUntil([] { return Held().lines == 1; }));
+}
+
+TEST_F(TapiAnswer, OffDuringACallEndsTheCall) {
+    AnswerACall();
+    EXPECT_FALSE(app->SetAnswer(false, dataLine));
+    EXPECT_EQ(Held().lines + Held().calls, 0U);
+    EXPECT_FALSE(owner.comm);
+    EXPECT_TRUE(app->SetAnswer(true, dataLine));
+    owner.Forget();
+    ExchangeRing(dataLine);
+    EXPECT_TRUE(PumpUntilHeard("answered"));
+}
+
+TEST_F(TapiAnswer, ASecondCallIsLeftToRing) {
+    AnswerACall();
+    const DWORD second = ExchangeRing(dataLine);
+    ASSERT_NE(second, 0U);
+    ASSERT_TRUE(PumpUntilHeard("notify 6", 2));
+    host::Pump(50);
+    EXPECT_EQ(Asked("lineAnswer"), 1);
+    EXPECT_EQ(owner.Count("answered"), 1);
+    EXPECT_TRUE(owner.comm) << "the first one goes on";
+}
+
+TEST_F(TapiAnswer, ARefusedAnswerIsHungUp) {
+    StartAnswering();
+    ExchangeFail("lineAnswer", TapiError(LINEERR_OPERATIONFAILED), 1);
+    ExchangeClearRecord();
+    ExchangeRing(dataLine);
+    EXPECT_TRUE(host::PumpUntil([] { return Asked("lineSetNumRings") == 1; })) << Record();
+    EXPECT_EQ(Asked("lineDrop"), 1);
+    EXPECT_EQ(Held().calls, 0U);
+    owner.Forget();
+    ExchangeRing(dataLine);
+    EXPECT_TRUE(PumpUntilHeard("answered")) << "the next one is answered";
+}
+
+TEST_F(TapiAnswer, DestroyedInsideOfEachEvent) {
+    for (const char* event : {"notify 6", "answered", "disconnected", "notify 5", "idle"}) {
+        owner.Forget();
+        owner.OnEventDo({});
+        StartAnswering();
+        owner.OnEventDo([&](const std::string& heard) {
+            if (heard == event)
+                std::exchange(app, nullptr).reset();
+        });
+        ExchangeRing(dataLine);
+        const auto hangUp = host::When([&] { return owner.Count("answered") > 0; },
+                                       [] { ExchangeFarHangUp(dataLine, LINEDISCONNECTMODE_NORMAL); });
+        EXPECT_TRUE(host::PumpUntil([&] { return !app; })) << event;
+        EXPECT_EQ(Held().applications, 0U) << event;
+        EXPECT_EQ(Held().calls, 0U) << event;
+        owner.comm.reset();
+    }
+}
+
+} // namespace
