@@ -2,14 +2,16 @@
 '
 '     cscript //nologo download.vbs PORT SETTINGS USER PASSWORD PROMPT COMMAND FILE [NUMBER]
 '
-' PORT may be the name of a modem as Windows calls it; then NUMBER is dialled. COMMAND makes the far end send the file, as "sz notes.txt" does. FILE is its whole path here. Lantry.ocx has to be
-' registered: regsvr32 Lantry.ocx. A 64-bit cscript wants the 64-bit module.
+' PORT may be the name of a modem as Windows calls it; then NUMBER is dialled. COMMAND makes the far end send the
+' file, as "sz notes.txt" does. FILE is its whole path here. Lantry.ocx has to be registered: regsvr32 Lantry.ocx.
+' A 64-bit cscript wants the 64-bit module.
 Option Explicit
 
 Const ZModem = 5
 Const NoDialog = 0
 
-Dim args, comm
+Dim args, comm, isOpen
+isOpen = False
 Set args = WScript.Arguments
 If args.Count < 7 Or args.Count > 8 Then _
     Fail "Usage: download.vbs PORT SETTINGS USER PASSWORD PROMPT COMMAND FILE [NUMBER]"
@@ -22,6 +24,7 @@ comm.DialStatusDialog = NoDialog
 If args.Count = 8 Then comm.PhoneNumber = args(7)
 comm.PortOpen = True ' dials, where the port is a modem of Windows
 If Not comm.PortOpen Then Fail args(0) & " does not open: " & comm.PortStatus
+isOpen = True
 WScript.Echo args(0) & " is open, " & comm.Settings & "."
 
 Say ""
@@ -54,5 +57,6 @@ End Sub
 
 Sub Fail(reason)
     WScript.Echo reason
+    If isOpen Then comm.PortOpen = False
     WScript.Quit 1
 End Sub

@@ -86,8 +86,10 @@ void CTarnCommCtl::FinalRelease() {
 
 // What was open goes with its object.
 void CTarnCommCtl::EndConnection() {
+    CloseDialog();
     if (m_bTapiCall)
         m_Tapi.HangUp();
+    m_hCallDevice = INVALID_HANDLE_VALUE;
     m_bTapiCall = false;
     m_bConnected = false;
 }
@@ -138,6 +140,7 @@ bool CTarnCommCtl::OnWindowCreated() {
 
 void CTarnCommCtl::OnWindowDestroyed() {
     m_bCreated = false;
+    CloseDialog();
     DropWindowObject();
 }
 
@@ -170,8 +173,10 @@ LRESULT CALLBACK CTarnCommCtl::CommWindowProc(HWND window, UINT message, WPARAM 
     const ComPtr<CTarnCommCtl> self(reinterpret_cast<CTarnCommCtl*>(control)); // the host may release it
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(window, CommWindowProc, commWindowHook);
-        if (self->m_hWndComm == window)
+        if (self->m_hWndComm == window) {
             self->m_hWndComm = nullptr; // destroyed behind the control's back
+            self->CloseDialog();
+        }
         return DefSubclassProc(window, message, wParam, lParam);
     }
     LRESULT result = 0;
@@ -216,6 +221,12 @@ void CTarnCommCtl::OnDraw(HDC context, const RECT& bounds) {
 }
 
 void CTarnCommCtl::OnAmbientChanged(DISPID) {}
+
+// Without a site there may be nobody any more.
+void CTarnCommCtl::OnClientSite(IOleClientSite* site) {
+    if (!site)
+        CloseDialog();
+}
 
 // Tab and arrows belong to the terminal.
 bool CTarnCommCtl::OnTranslateAccelerator(MSG& message) {

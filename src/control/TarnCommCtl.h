@@ -28,6 +28,7 @@
 #include <string_view>
 #include <vector>
 
+class CMyDialog;
 class CScriptExtension;
 
 // Results of the control's own.
@@ -285,6 +286,7 @@ class CTarnCommCtl final
     void OnWindowDestroyed() override;
     void OnDraw(HDC context, const RECT& bounds) override;
     void OnAmbientChanged(DISPID id) override;
+    void OnClientSite(IOleClientSite* site) override;
     bool OnTranslateAccelerator(MSG& message) override;
 
     // PropertyPages, Persistence
@@ -323,6 +325,11 @@ class CTarnCommCtl final
     HRESULT SetPlainPortOpen(bool open);
     HRESULT DialLine(DWORD device);
     void CancelDial();
+    bool HasOtherDevice() const;
+    void TakeCallDevice(HANDLE hComm);
+    ULONG References();
+    bool ChooseConnection();
+    void CloseDialog();
 
     // Messages of the comm object's window, before it has them. True: answered by result.
     bool OnCommWindowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
@@ -333,11 +340,12 @@ class CTarnCommCtl final
     HWND m_hWndComm = nullptr; // child of the control's window
     HWND m_hWndNonVisibleControl = nullptr;
     bool m_bCreated = false;
-    bool m_bLoading = false; // a stream or a bag is being read
-    int m_bAnswerCalls = 0;
-    bool m_bTapiCall = false;     // from the start of a telephony dial until the hang-up
-    bool m_bConnected = false;    // a port is open, a call is connected, or a handle was given
-    std::string m_szBusyProperty; // the blocking property under way
+    bool m_bLoading = false;                     // a stream or a bag is being read
+    bool m_bTapiCall = false;                    // from the start of a telephony dial until the hang-up
+    HANDLE m_hCallDevice = INVALID_HANDLE_VALUE; // the data handle of the call, while the object has it
+    ULONG m_nDialReferences = 0;                 // to this control when the dial began
+    bool m_bConnected = false;                   // a port is open, a call is connected, or a handle was given
+    std::string m_szBusyProperty;                // the blocking property under way
     std::string m_szControlName;
     int m_nNoLog = 0; // nothing is logged while it is above 0
     UINT m_nLastMouseMessage = 0;
@@ -346,6 +354,7 @@ class CTarnCommCtl final
     ComPtr<CScriptExtension> m_pScriptExtension;
     ComPtr<CTapiLocation> m_pLocations;
     ComPtr<CCommPort> m_pCommPorts;
+    CMyDialog* m_pDialog = nullptr; // the one that is open
     CTapiApp m_Tapi;
 };
 

@@ -6,31 +6,43 @@
 
 namespace {
 
-constexpr int newConnection = 9;  // an event's code that no comm object has a source for
-constexpr ULONG holdsOfADial = 2; // put_PortOpen's, and that of its guard
-
-bool IsHeldByItsHost(CTarnCommCtl& control) {
-    control.AddRef();
-    return control.Release() > holdsOfADial;
-}
+constexpr int newConnection = 9; // an event's code that no comm object has a source for
 
 } // namespace
 
+// The object has a port or a handle that came from no call: the host opened it after the call.
+bool CTarnCommCtl::HasOtherDevice() const {
+    return GetPortOpen(CommObject()) && GetCommID(CommObject()) != m_hCallDevice;
+}
+
+void CTarnCommCtl::TakeCallDevice(HANDLE hComm) {
+    GiveCallToObject(CommObject(), hComm);
+    m_hCallDevice = hComm;
+    m_bTapiCall = true;
+    m_bConnected = true;
+}
+
 void CTarnCommCtl::OnDisconnected() {
+    if (HasOtherDevice())
+        return;
     SetCommID(CommObject(), INVALID_HANDLE_VALUE);
+    m_hCallDevice = INVALID_HANDLE_VALUE;
     m_bTapiCall = false;
     m_bConnected = false;
     m_Properties.m_sPortStatus = L"Disconnected";
     UpdateStatus();
 }
 
+// A call may go idle without having been disconnected.
 void CTarnCommCtl::OnIdle() {
-    SetCommID(CommObject(), INVALID_HANDLE_VALUE);
-    UpdateStatus();
+    if (m_hCallDevice != INVALID_HANDLE_VALUE)
+        OnDisconnected();
+    else
+        UpdateStatus();
 }
 
 // From here on the call is as one that was dialled: closing the port drops it. Nobody takes the call of a
-// control whose object has gone.
+// control whose object has gone. A plain port that is open makes room.
 void CTarnCommCtl::OnAnswered(HANDLE hComm) {
     const ComPtr<IUnknown> held(static_cast<ITarnComm*>(this)); // its host may go in the first event
     if (ControlOf(CommObject()) != this) {
@@ -38,9 +50,9 @@ void CTarnCommCtl::OnAnswered(HANDLE hComm) {
         m_Tapi.HangUp();
         return;
     }
-    GiveCallToObject(CommObject(), hComm);
-    m_bTapiCall = true;
-    m_bConnected = true;
+    if (GetPortOpen(CommObject()))
+        SetPortOpen(CommObject(), 0, nullptr);
+    TakeCallDevice(hComm);
     NotifyObject(CommObject(), newConnection);
     NotifyObject(CommObject(), TARN_EVENT_CARRIER);
 }
@@ -50,9 +62,15 @@ void CTarnCommCtl::OnNotify(int code) {
     NotifyObject(CommObject(), code);
 }
 
-// A control without a window doesn't see its host leave.
+ULONG CTarnCommCtl::References() {
+    AddRef();
+    return Release();
+}
+
+// A control without a window doesn't see its host leave: it has gone when a reference was given back that was
+// there when the dial began.
 bool CTarnCommCtl::WantsCall() const {
     const HWND object = CommObject();
     CTarnCommCtl* self = ControlOf(object);
-    return self == this && !GetShutDown(object) && IsHeldByItsHost(*self);
+    return self == this && !GetShutDown(object) && self->References() >= m_nDialReferences;
 }

@@ -80,7 +80,6 @@ class PortTexts {
         return ports_.Names();
     }
     std::vector<std::wstring> Texts() { return WideTexts(Names()); }
-    void FillCombo(HWND hCombo) { ports_.FillCombo(hCombo, telephony_); }
 
   private:
     const CTapiApp* telephony_ = nullptr;

@@ -1,6 +1,8 @@
 // Dialogs that the control opens for its host.
 #include "ansi.h"
+#include "guards.h"
 #include "modem/connectionproperties.h"
+#include "objectaccess.h"
 #include "propertyrows.h"
 
 #include <comdef.h>
@@ -13,11 +15,13 @@ ConnectionChoice ChoiceOf(HWND object, const ControlProperties& properties) {
     return {properties.m_szPort, AnsiOf(properties.m_sPhoneNumber), settings, GetHandshaking(object)};
 }
 
-// Through the setters, as a host would.
+// Through the setters, as a host would. Settings mean the same in any case of their letters.
 void Apply(CTarnCommCtl& control, const ConnectionChoice& choice, const ConnectionChoice& before) {
-    control.put_CommPort(_variant_t(WideOf(choice.port).c_str()));
-    control.put_PhoneNumber(_bstr_t(WideOf(choice.phoneNumber).c_str()));
-    if (choice.settings != before.settings)
+    if (choice.port != before.port)
+        control.put_CommPort(_variant_t(WideOf(choice.port).c_str()));
+    if (choice.phoneNumber != before.phoneNumber)
+        control.put_PhoneNumber(_bstr_t(WideOf(choice.phoneNumber).c_str()));
+    if (lstrcmpiA(choice.settings.c_str(), before.settings.c_str()) != 0)
         control.put_Settings(_bstr_t(WideOf(choice.settings).c_str()));
     if (choice.handshaking != before.handshaking)
         control.put_Handshaking(static_cast<Handshaking>(choice.handshaking));
@@ -25,19 +29,40 @@ void Apply(CTarnCommCtl& control, const ConnectionChoice& choice, const Connecti
 
 } // namespace
 
+// The dialog goes with what it is about, though the window that it stands over may stay.
+bool CTarnCommCtl::ChooseConnection() {
+    const ConnectionChoice before = ChoiceOf(CommObject(), m_Properties);
+    ConnectionChoice choice = before;
+    const ComPtr<CCommPort> ports = m_pCommPorts;
+    const auto portNames = [&] { return ports->Contents().Names(); };
+    CConnectionProperties dialog(Window() ? Window() : GetActiveWindow(), choice, m_Tapi, portNames);
+    m_pDialog = &dialog;
+    const bool confirmed = dialog.DoModal() == IDOK;
+    m_pDialog = nullptr;
+    if (!confirmed || ControlOf(CommObject()) != this)
+        return false;
+    Apply(*this, choice, before);
+    return true;
+}
+
+void CTarnCommCtl::CloseDialog() {
+    if (m_pDialog)
+        m_pDialog->Close();
+}
+
+// What a connection that is there or under way was made with stays until it ends: then there is no dialog.
 STDMETHODIMP CTarnCommCtl::PropertiesDialog(VARIANT_BOOL* Result) {
     return Body([&]() -> HRESULT {
         if (!Result)
             return E_POINTER;
         *Result = VARIANT_FALSE;
-        const ConnectionChoice before = ChoiceOf(CommObject(), m_Properties);
-        ConnectionChoice choice = before;
-        const ComPtr<CCommPort> ports = m_pCommPorts;
-        const auto portNames = [&] { return ports->Contents().Names(); };
-        CConnectionProperties dialog(Window(), choice, m_Tapi, portNames);
-        const bool confirmed = dialog.DoModal() == IDOK;
-        if (confirmed)
-            Apply(*this, choice, before);
+        bool confirmed = false;
+        if (!m_bTapiCall && !GetPortOpen(CommObject())) {
+            const CBusyGuard Busy(*this, "PropertiesDialog");
+            if (FAILED(Busy.Result()))
+                return Busy.Result();
+            confirmed = ChooseConnection();
+        }
         *Result = confirmed ? VARIANT_TRUE : VARIANT_FALSE;
         UpdateStatus();
         Log().ReturnsBool("PropertiesDialog", confirmed);

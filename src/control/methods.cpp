@@ -27,14 +27,13 @@ STDMETHODIMP CTarnCommCtl::GetPortType(BSTR PortName, PortType* Result) {
     return Body([&]() -> HRESULT {
         if (!Result)
             return E_POINTER;
+        *Result = PortType_Unknown;
         const std::string name = AnsiOf(PortName);
         const PortProbe probe = ProbePort(name.c_str());
         if (probe.found && probe.kind == PortKind::Serial)
             *Result = PortType_Serial;
         else if (probe.found ? probe.kind == PortKind::Modem : m_Tapi.FindModem(name.c_str()) != noLine)
             *Result = PortType_Modem;
-        else
-            *Result = PortType_Unknown;
         return S_OK;
     });
 }
@@ -43,6 +42,7 @@ STDMETHODIMP CTarnCommCtl::TranslatePhoneNumber(BSTR Number, BSTR* Result) {
     return Body([&]() -> HRESULT {
         if (!Result)
             return E_POINTER;
+        *Result = nullptr;
         // The rules are the location's: where the port is no line, any line will do.
         const int own = LineOfPort();
         DWORD device = own == noLine ? 0 : static_cast<DWORD>(own);
@@ -57,6 +57,7 @@ STDMETHODIMP CTarnCommCtl::ContentsAt(short col, short row, short len, BSTR* Res
     return Body([&]() -> HRESULT {
         if (!Result)
             return E_POINTER;
+        *Result = nullptr;
         *Result = MakeBstr(ScreenFrom(CommObject(), col, row, len));
         return S_OK;
     });
@@ -66,6 +67,7 @@ STDMETHODIMP CTarnCommCtl::WaitUntilEndOfTransfer(VARIANT_BOOL* Result) {
     return Body([&]() -> HRESULT {
         if (!Result)
             return E_POINTER;
+        *Result = VARIANT_FALSE;
         const HWND object = CommObject();
         WaitUntilTransferIsFinished(object);
         // An object that is gone has the status of a success.

@@ -12,9 +12,11 @@ class DialBox {
   public:
     DialBox(HWND object, int kind, std::function<void()> cancel)
         : dialog_(GetParent(object), std::move(cancel)) {
-        if (kind == Dialog_Hidden || !dialog_.Create() || kind != Dialog_Modal)
+        const bool isShown = kind != Dialog_Hidden && dialog_.Create();
+        if (!isShown || kind != Dialog_Modal ||
+            !GetParent(object)) // an object of its own is no user's window
             return;
-        const HWND top = TopOf(object);
+        const HWND top = GetAncestor(object, GA_ROOT);
         if (IsWindowEnabled(top)) {
             EnableWindow(top, FALSE);
             disabled_ = top;
@@ -32,12 +34,6 @@ class DialBox {
     DialBox& operator=(const DialBox&) = delete;
 
   private:
-    static HWND TopOf(HWND window) {
-        while (const HWND parent = GetParent(window))
-            window = parent;
-        return window;
-    }
-
     CDialDialog dialog_;
     HWND disabled_ = nullptr;
 };
@@ -76,20 +72,23 @@ STDMETHODIMP CTarnCommCtl::put_PortOpen(VARIANT_BOOL value) {
 bool CTarnCommCtl::GiveUpCall() {
     const bool done = m_Tapi.HangUp();
     SetCommID(CommObject(), INVALID_HANDLE_VALUE);
-    NotifyObject(CommObject(), TARN_EVENT_CARRIER);
+    m_hCallDevice = INVALID_HANDLE_VALUE;
+    m_bTapiCall = false;
     m_bConnected = false;
+    m_Properties.m_sPortStatus = L"Disconnected";
+    NotifyObject(CommObject(), TARN_EVENT_CARRIER);
     return done;
 }
 
 void CTarnCommCtl::HangUpCall() {
     GiveUpCall();
-    m_bTapiCall = false;
     UpdateStatus();
 }
 
 HRESULT CTarnCommCtl::SetPlainPortOpen(bool open) {
     char error[TARN_ERROR_TEXT_SIZE] = {};
     const bool done = SetPortOpen(CommObject(), open, error) != 0;
+    m_hCallDevice = INVALID_HANDLE_VALUE;
     m_bTapiCall = false;
     m_bConnected = open && GetPortOpen(CommObject());
     if (!open)
@@ -108,6 +107,7 @@ HRESULT CTarnCommCtl::DialLine(DWORD device) {
     const CBusyGuard Busy(*this, "PortOpen");
     if (FAILED(Busy.Result()))
         return Busy.Result();
+    m_nDialReferences = References();
     m_bTapiCall = true;
     m_Properties.m_sPortStatus = L"Dialing " + m_Properties.m_sPhoneNumber;
     UpdateStatus();
@@ -117,12 +117,17 @@ HRESULT CTarnCommCtl::DialLine(DWORD device) {
         m_Tapi.HangUp();
         done = false;
     }
-    m_bTapiCall = done;
-    m_bConnected = done;
-    m_Properties.m_sPortStatus = done ? L"Connected" : WideOf(m_Tapi.LastError());
-    if (!done)
+    const HANDLE comm = done ? m_Tapi.GetCommHandle() : INVALID_HANDLE_VALUE;
+    if (comm == INVALID_HANDLE_VALUE) {
+        if (done)
+            m_Tapi.HangUp();
+        m_bTapiCall = false;
+        m_bConnected = false;
+        m_Properties.m_sPortStatus = done ? WideOf(callUnavailable) : WideOf(m_Tapi.LastError());
         return S_OK;
-    GiveCallToObject(CommObject(), m_Tapi.GetCommHandle());
+    }
+    m_Properties.m_sPortStatus = L"Connected";
+    TakeCallDevice(comm);
     NotifyObject(CommObject(), TARN_EVENT_CARRIER);
     return S_OK;
 }

@@ -147,7 +147,7 @@ STDMETHODIMP CTarnCommCtl::put_FillModemList(LONG value) {
 }
 
 STDMETHODIMP CTarnCommCtl::get_AnswerCalls(VARIANT_BOOL* value) {
-    return ReadCached("AnswerCalls", m_bAnswerCalls, value);
+    return ReadCached("AnswerCalls", m_Tapi.IsAnswering(), value);
 }
 
 // A failure is told to the log alone.
@@ -155,7 +155,7 @@ STDMETHODIMP CTarnCommCtl::put_AnswerCalls(VARIANT_BOOL value) {
     return Body([&]() -> HRESULT {
         const bool wanted = value != VARIANT_FALSE;
         const auto log = [&](const char* outcome) { Log().AssignedBool(outcome, wanted); };
-        if (wanted == (m_bAnswerCalls != 0)) {
+        if (wanted == m_Tapi.IsAnswering()) {
             log("AnswerCalls (no change) ");
             return S_OK;
         }
@@ -165,7 +165,6 @@ STDMETHODIMP CTarnCommCtl::put_AnswerCalls(VARIANT_BOOL value) {
             return S_OK;
         }
         const bool answers = m_Tapi.SetAnswer(wanted, static_cast<DWORD>(line));
-        m_bAnswerCalls = answers;
         log(answers == wanted ? "AnswerCalls (succeeded) " : "AnswerCalls (failed) ");
         return S_OK;
     });

@@ -3,6 +3,9 @@
 
 enum class PortKind { Unknown, Serial, Modem };
 
+// By the subtype that a provider gives in its settings (PST_...).
+PortKind KindOfProvider(unsigned long subtype);
+
 // No value of its own for a name that the system has no settings for: found says so.
 struct PortProbe {
     bool found;

@@ -84,6 +84,8 @@ std::string FieldOf(HWND hDlg, int nItem) {
 constexpr int defaultFlowControl = -1; // has the first row
 
 int RowOfFlowControl(int handshaking) {
+    if (handshaking == TARN_HANDSHAKING_DEFAULT)
+        return defaultRow;
     const bool hasRow = handshaking >= defaultFlowControl && handshaking <= TARN_HANDSHAKING_BOTH;
     return hasRow ? handshaking - defaultFlowControl : noRow;
 }
@@ -140,7 +142,8 @@ void CSerialPortProperties::FillCombos() {
         AddRow(Window(), row.nItem, row.szText);
 }
 
-// What no row knows stands as the default; a flow control that no row stands for is left as it is.
+// What no row knows stands as the default. Two values of the flow control share the first row, others have
+// none: it stays what it is until another row is selected.
 void CSerialPortProperties::ShowSettings() {
     OnRestoreDefaults();
     std::string rest = *pSettings;
@@ -161,7 +164,7 @@ void CSerialPortProperties::OnOK() {
         settings += ',' + FieldOf(Window(), item);
     const int row = SelectedRow(Window(), Serial_FlowControl);
     *pSettings = settings;
-    if (row != noRow)
+    if (row != RowOfFlowControl(*pHandshaking))
         *pHandshaking = FlowControlOfRow(row);
     End(IDOK);
 }

@@ -1,6 +1,7 @@
 #include "TapiApp.h"
 
 #include "core/notify.h"
+#include "core/wall.h"
 #include "diagnostics/swallow.h"
 #include "diagnostics/wiretap.h"
 
@@ -87,10 +88,14 @@ CTapiApp::~CTapiApp() {
         const std::lock_guard guard(call.lock);
         line = call.TakeLine();
     }
-    if (line)
-        pService->lineClose(line);
-    if (hLineApp)
-        pService->lineShutdown(hLineApp);
+    BehindWall("~CTapiApp", [&] {
+        if (line)
+            pService->lineClose(line);
+    });
+    BehindWall("~CTapiApp", [this] {
+        if (hLineApp)
+            pService->lineShutdown(hLineApp);
+    });
 }
 
 std::string CTapiApp::StartUpError() const {
@@ -124,7 +129,9 @@ void CTapiApp::LogLines() const {
 }
 
 bool CTapiApp::StartListening() {
-    newsWindow = std::make_unique<NewsWindow>([this](WPARAM news) { OnNews(static_cast<News>(news)); });
+    newsWindow = std::make_unique<NewsWindow>([this](WPARAM news) {
+        OnNews(static_cast<News>(LOBYTE(news)), static_cast<DWORD>(news >> newsBits));
+    });
     if (!newsWindow->Handle() || !hShutdown)
         return false;
     ownerSend = std::make_unique<StoppableSend>(newsWindow->Handle(), hShutdown.get());
@@ -132,20 +139,54 @@ bool CTapiApp::StartListening() {
     return static_cast<bool>(hThread);
 }
 
-// The object may be gone when the owner returns.
-void CTapiApp::OnNews(News news) {
+// The object may be gone when the owner returns. The time that the host takes is no silence of the service.
+void CTapiApp::OnNews(News news, DWORD which) {
+    const Life watch = life;
     if (!life)
         return;
+    ++newsUnderWay;
+    const auto leave = [&] {
+        if (watch.expired())
+            return;
+        --newsUnderWay;
+        const std::lock_guard guard(call.lock);
+        call.dwOwedSince = GetTickCount();
+    };
+    try {
+        TellOwner(news, which);
+    } catch (...) {
+        leave();
+        throw;
+    }
+    leave();
+}
+
+// What the call does to the owner's handle is no news once there is another call.
+void CTapiApp::TellOwner(News news, DWORD which) {
+    bool isPresent = false;
+    {
+        const std::lock_guard guard(call.lock);
+        isPresent = which == call.nCall;
+    }
     switch (news) {
     case News::Disconnected:
-        return pControl.OnDisconnected();
+        return isPresent ? pControl.OnDisconnected() : void();
     case News::Idle:
-        return pControl.OnIdle();
+        return isPresent ? pControl.OnIdle() : void();
     case News::Answered:
-        return pControl.OnAnswered(GetCommHandle());
+        return isPresent ? TellOfAnswer() : void();
     case News::Ring:
         return pControl.OnNotify(Event_Ring);
     case News::Carrier:
         return pControl.OnNotify(Event_CarrierChanged);
     }
+}
+
+// A call without data is of no use to anybody.
+void CTapiApp::TellOfAnswer() {
+    const HANDLE hComm = GetCommHandle();
+    if (hComm == INVALID_HANDLE_VALUE)
+        EndCall();
+    else
+        pControl.OnAnswered(hComm);
 }

@@ -40,7 +40,7 @@ class CTapiOwner {
 
 // Limits of the waits, in milliseconds.
 struct TapiLimits {
-    DWORD silence = 120000; // of a service during a dial; then the dial has failed
+    DWORD silence = 120000; // of a service that owes a dial its reply, or its end; then the dial has failed
     DWORD threadEnd = 2000; // for the thread to stop; then it is terminated
 };
 
@@ -84,6 +84,7 @@ class CTapiApp {
     std::string LastError() const;
     // The state after: whether calls are answered.
     bool SetAnswer(bool on, DWORD device);
+    bool IsAnswering() const;
     bool IsDialling() const;
 
     // Locations and translation (tapilocations.cpp)
@@ -108,7 +109,8 @@ class CTapiApp {
     // What the owner is told by the telephony thread.
     enum class News : WPARAM { Disconnected, Idle, Answered, Ring, Carrier };
     enum class Pumped { On, Quit, Gone };
-    struct ThreadTables; // tapithread.cpp
+    static constexpr int newsBits = 8; // of a WPARAM; the rest is the call's identity
+    struct ThreadTables;               // tapithread.cpp
     using Life = std::weak_ptr<const bool>;
 
     // Start (TapiApp.cpp)
@@ -116,40 +118,50 @@ class CTapiApp {
     bool StartListening();
     void LogLines() const;
     // On the owner's thread.
-    void OnNews(News news);
+    void OnNews(News news, DWORD which);
+    void TellOwner(News news, DWORD which);
+    void TellOfAnswer();
 
     // Calls (tapicalls.cpp)
     HLINE OpenLine(DWORD device, DWORD privileges, LONG& result) const;
     HLINE OpenToAnswer(DWORD device) const;
     bool StartAnswering(DWORD device);
     bool StopAnswering();
-    bool PlaceCall(DWORD device, const char* szNumber, LONG rate, const Life& life);
-    bool RequestCall(HLINE line, const std::string& number, LONG rate, const Life& life);
+    // Gives the identity of the call, or noCall.
+    void PlaceCall(DWORD device, const char* szNumber, LONG rate, const Life& life, DWORD& dial);
+    DWORD BeginDial(HLINE line, const std::shared_ptr<MadeCall>& made);
+    bool RequestCall(HLINE line, const std::string& number, LONG rate, const Life& life, DWORD& dial);
+    LONG MakeCall(HLINE line, const std::string& number, LONG rate, MadeCall& made, DWORD dial);
     std::string NumberToDial(DWORD device, const char* szNumber) const;
-    void WaitForDial(const Life& life);
-    void WaitForReason(const Life& life);
-    bool IsWaiting() const;
-    Pumped PumpMessages(const Life& life) const;
+    void WaitForDial(const Life& life, DWORD dial);
+    void WaitForReason(const Life& life, DWORD dial);
+    bool IsRunning(DWORD dial) const;
+    bool IsWaiting(DWORD dial) const;
+    Pumped PumpMessages(const Life& life, DWORD dial) const;
     const char* WhyToGiveUp(Pumped pumped) const;
-    bool FinishDial();
-    // Nobody waits for the reply.
-    void DropForGood(HCALL dropped);
-    // What HangUp does once the owner has given its handle up. On both threads.
-    bool EndCall(const char* szReason = callCanceled);
+    bool FinishDial(DWORD dial);
+    // What HangUp does once the owner has given its handle up, for this call or, with noCall, for whichever
+    // there is. On both threads.
+    bool EndCall(const char* szReason = callCanceled, DWORD which = noCall);
+    bool DropCall(HCALL dropped, DWORD which, const char* szReason, bool wasEnding);
     // On both threads: notes why, if the reason is known before the call is ended.
-    void NoteFailedRequest(LONG error);
+    void NoteFailedRequest(LONG error, DWORD which);
 
     // The thread's body, and what it does with a message (tapithread.cpp).
     void TapiThread();
+    bool Listen(); // false: the service is gone
+    void GoDeaf();
+    LONG GetMessageOfService(LINEMESSAGE& message) const;
     bool ServeMessage();
     void TakeMessage(const LINEMESSAGE& message);
-    // False: it is time to stop.
-    bool Tell(News news, const char* szLabel);
-    bool HangUpFromThread(const char* szLabel, const char* szReason = callCanceled);
+    // Of the call with this identity. False: it is time to stop.
+    bool Tell(News news, const char* szLabel, DWORD which);
+    bool HangUpFromThread(const char* szLabel, DWORD which, const char* szReason = callCanceled);
     void TakeCallState(const LINEMESSAGE& message);
     void TakeDeviceState(const LINEMESSAGE& message);
     void TakeReply(const LINEMESSAGE& message);
-    void RequestFailed(DWORD_PTR request, LONG error);
+    void TakeClose(const LINEMESSAGE& message);
+    void RequestFailed(LONG error, DWORD which, bool isDrop);
     void CallIdle(const LINEMESSAGE& message);
     void CallOffered(const LINEMESSAGE& message);
     void CallBusy(const LINEMESSAGE& message);
@@ -170,6 +182,7 @@ class CTapiApp {
     LONG lInitResult = 0;
     CallState call; // shared with the thread, under its own lock
 
+    int newsUnderWay = 0;             // owner's thread only
     std::shared_ptr<const bool> life; // owner's thread only; who calls the owner watches it
     std::unique_ptr<NewsWindow> newsWindow;
     std::unique_ptr<StoppableSend> ownerSend; // the thread's

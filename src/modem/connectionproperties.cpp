@@ -61,6 +61,8 @@ CConnectionProperties::CConnectionProperties(HWND hOwner, ConnectionChoice& choi
 
 bool CConnectionProperties::OnInitDialog() {
     RunSteps(*this, initSteps, "Exception in CConnectionProperties::InitDialog");
+    shownPort = SelectedRow(Window(), Connection_Port);
+    shown = Shown();
     return true;
 }
 
@@ -106,9 +108,18 @@ void CConnectionProperties::SelectCountry() {
 }
 
 void CConnectionProperties::ShowChoice() {
-    SelectText(Window(), Connection_Port, edited.port.c_str());
+    SelectPort();
     SetDlgItemTextA(Window(), Connection_Number, szPhoneNumber.c_str());
     CheckDlgButton(Window(), Connection_UseAreaCode, bUseAreaCode ? BST_CHECKED : BST_UNCHECKED);
+}
+
+// The list has a modem's whole name, where the choice may have as much of it as a control keeps.
+void CConnectionProperties::SelectPort() {
+    if (SelectText(Window(), Connection_Port, edited.port.c_str()))
+        return;
+    const int modem = pTapi->FindModem(edited.port.c_str());
+    if (modem != noLine)
+        SelectText(Window(), Connection_Port, pTapi->GetModemName(static_cast<DWORD>(modem)).c_str());
 }
 
 void CConnectionProperties::OnClickedUseAreaCode() {
@@ -134,12 +145,14 @@ void CConnectionProperties::ConfigurePort() {
     CSerialPortProperties(Window(), edited.settings, edited.handshaking).DoModal();
 }
 
-// A port that isn't in the list stays the choice until another row is selected.
+// The port stays what it was until another row is selected, the number until the user has changed it: what
+// the dialog makes of its fields would be another text.
 void CConnectionProperties::OnOK() {
-    const std::string selected = SelectedText(Window(), Connection_Port);
-    if (!selected.empty())
-        edited.port = selected;
-    edited.phoneNumber = EnteredNumber();
+    const int row = SelectedRow(Window(), Connection_Port);
+    if (row != noRow && row != shownPort)
+        edited.port = SelectedText(Window(), Connection_Port);
+    if (IsNumberChanged())
+        edited.phoneNumber = EnteredNumber();
     *pChoice = edited;
     End(IDOK);
 }
@@ -157,10 +170,20 @@ bool CConnectionProperties::IsAreaCodeUsed() const {
     return IsDlgButtonChecked(Window(), Connection_UseAreaCode) == BST_CHECKED;
 }
 
+CConnectionProperties::NumberFields CConnectionProperties::Shown() const {
+    return {IsAreaCodeUsed(), SelectedRow(Window(), Connection_Country),
+            ItemText(Window(), Connection_AreaCode, areaCodeSize),
+            ItemText(Window(), Connection_Number, numberSize)};
+}
+
+bool CConnectionProperties::IsNumberChanged() const {
+    return IsWindowEnabled(GetDlgItem(Window(), Connection_Number)) && Shown() != shown;
+}
+
 std::string CConnectionProperties::EnteredNumber() const {
-    const std::string number = ItemText(Window(), Connection_Number, numberSize);
-    if (!IsAreaCodeUsed())
-        return number;
-    return BuildPhoneNumber(CountryCodeOfRow(SelectedText(Window(), Connection_Country)),
-                            ItemText(Window(), Connection_AreaCode, areaCodeSize), number);
+    const NumberFields fields = Shown();
+    if (!fields.useAreaCode)
+        return fields.number;
+    return BuildPhoneNumber(CountryCodeOfRow(SelectedText(Window(), Connection_Country)), fields.areaCode,
+                            fields.number);
 }

@@ -20,6 +20,16 @@ class CConnectionProperties final : public CMyDialog {
     CConnectionProperties(HWND hOwner, ConnectionChoice& choice, CTapiApp& tapi, PortNames portNames);
 
   private:
+    // What the items of the number show.
+    struct NumberFields {
+        bool useAreaCode = false;
+        int country = -1; // its row, or none
+        std::string areaCode;
+        std::string number;
+
+        bool operator==(const NumberFields&) const = default;
+    };
+
     static const InitStep<CConnectionProperties> initSteps[];
     static const CommandRow<CConnectionProperties> commands[];
 
@@ -34,6 +44,7 @@ class CConnectionProperties final : public CMyDialog {
     void TakeLocation();
     void SelectCountry();
     void ShowChoice();
+    void SelectPort();
 
     void OnOK();
     void OnCancel();
@@ -43,6 +54,8 @@ class CConnectionProperties final : public CMyDialog {
 
     int SelectedModem() const;
     bool IsAreaCodeUsed() const;
+    NumberFields Shown() const;
+    bool IsNumberChanged() const;
     std::string EnteredNumber() const;
     void ConfigurePort();
 
@@ -50,6 +63,8 @@ class CConnectionProperties final : public CMyDialog {
     ConnectionChoice edited;
     CTapiApp* pTapi;
     PortNames portNames;
+    NumberFields shown; // at first, as is the port's row
+    int shownPort = -1;
 
     bool bUseAreaCode = false;
     DWORD dwCountryID = 1;

@@ -14,12 +14,19 @@ bool AsksToCancel(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     return uMsg == WM_KEYDOWN && (wParam == VK_ESCAPE || wParam == VK_RETURN) && !(lParam & wasDown);
 }
 
+// It would press the button, which the key's end then clicks.
+bool IsRepeatedSpace(UINT uMsg, WPARAM wParam, LPARAM lParam) {
+    return uMsg == WM_KEYDOWN && wParam == VK_SPACE && (lParam & wasDown);
+}
+
 LRESULT CALLBACK WithKeys(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, UINT_PTR idSubclass,
                           DWORD_PTR dialog) {
     if (AsksToCancel(uMsg, wParam, lParam)) {
         SendMessageA(reinterpret_cast<HWND>(dialog), WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
         return 0;
     }
+    if (IsRepeatedSpace(uMsg, wParam, lParam))
+        return 0;
     if (uMsg == WM_NCDESTROY)
         RemoveWindowSubclass(hWnd, WithKeys, idSubclass);
     return DefSubclassProc(hWnd, uMsg, wParam, lParam);

@@ -15,10 +15,17 @@ CMyDialog::~CMyDialog() {
     Close();
 }
 
+// The system enables the owner at the end, whatever it was before.
 INT_PTR CMyDialog::DoModal() {
+    const HWND top = hOwner ? GetAncestor(hOwner, GA_ROOT) : nullptr;
     bModal = true;
-    return DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(nTemplate), hOwner, Procedure,
-                           reinterpret_cast<LPARAM>(this));
+    bEnded = false;
+    bOwnerWasEnabled = IsWindowEnabled(top);
+    const INT_PTR result = DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(nTemplate), hOwner, Procedure,
+                                           reinterpret_cast<LPARAM>(this));
+    if (!bOwnerWasEnabled)
+        EnableWindow(top, FALSE);
+    return result == IDOK && !bEnded ? IDCANCEL : result; // a program that quits may get IDOK
 }
 
 bool CMyDialog::Create() {
@@ -35,7 +42,7 @@ void CMyDialog::Close() {
     const HWND closed = std::exchange(hDlg, nullptr);
     if (!closed)
         return;
-    if (bModal)
+    if (bModal && bOwnerWasEnabled)
         EnableWindow(GetWindow(closed, GW_OWNER), TRUE);
     DestroyWindow(closed);
 }
@@ -52,6 +59,7 @@ bool CMyDialog::OnCommand(int nControl, int) {
 }
 
 void CMyDialog::End(INT_PTR nResult) {
+    bEnded = true;
     if (bModal)
         EndDialog(hDlg, nResult);
     else

@@ -40,4 +40,6 @@ class CMyDialog {
     int nTemplate;
     HWND hDlg = nullptr;
     bool bModal = false;
+    bool bEnded = false;           // by its user
+    bool bOwnerWasEnabled = false; // before a modal dialog
 };

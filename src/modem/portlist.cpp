@@ -59,13 +59,6 @@ void PortList::PortAddPorts(const CTapiApp* telephony, DWORD now) {
         Guarded("CComm::PortAddModems", [&] { AddModems(*telephony, names_); });
 }
 
-void PortList::FillCombo(HWND hCombo, const CTapiApp* telephony) {
-    PortAddPorts(telephony);
-    const std::vector<std::string> names = names_; // the host may take this list away
-    for (const std::string& name : names)
-        SendMessageA(hCombo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
-}
-
 void ForgetHighestPort() {
     nHighestPort = 0;
 }

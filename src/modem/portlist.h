@@ -15,9 +15,6 @@ class PortList {
     void PortAddPorts(const CTapiApp* telephony, DWORD now = GetTickCount());
     const std::vector<std::string>& Names() const { return names_; }
 
-    // Lists them and adds each to the box. The box may be one of the host's, which may run meanwhile.
-    void FillCombo(HWND hCombo, const CTapiApp* telephony);
-
   private:
     std::vector<std::string> names_;
     std::optional<DWORD> dwLastFill; // none before the first

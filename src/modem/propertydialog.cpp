@@ -63,6 +63,7 @@ int ParityRow(char letter) {
     return 0;
 }
 
+// "1.5" has the row of "2", and "2" that of "1.5"; kept so, see SettingsAreShownAndReadBack in the tests.
 int StopBitsRow(const std::string& text) {
     if (text.starts_with("1.5"))
         return 2;

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr char unavailable[] = "Connection unavailable";
 constexpr char noDialTone[] = "No Dial tone";
 
 constexpr size_t numberSize = 128; // characters, with the NUL; more is cut
@@ -85,6 +84,11 @@ bool CTapiApp::SetAnswer(bool on, DWORD device) {
     });
 }
 
+bool CTapiApp::IsAnswering() const {
+    const std::lock_guard guard(call.lock);
+    return call.bAnswering;
+}
+
 // A call that is there ends with its line, so that no handle of it may stay.
 bool CTapiApp::StopAnswering() {
     HLINE line = 0;
@@ -94,12 +98,15 @@ bool CTapiApp::StopAnswering() {
         line = call.TakeLine();
         if (line)
             current = call.TakeCall();
+        if (call.IsDialling())
+            call.Fail(callCanceled);
         call.bAnswering = false;
         call.bReopening = false;
         call.dwAnswerDevice = noDevice;
+        call.BeginNext();
     }
     if (current)
-        DropForGood(current);
+        pService->lineDrop(current, nullptr, 0);
     if (line)
         LogTapi("LineClose returns 0x%lx", static_cast<DWORD>(pService->lineClose(line)));
     LogTapi("SetAnswer returns %d", false);
@@ -112,20 +119,25 @@ bool CTapiApp::StopAnswering() {
 bool CTapiApp::StartAnswering(DWORD device) {
     {
         const std::lock_guard guard(call.lock);
-        if (call.hLine || call.hCall)
+        if (call.IsTaken() || call.bDeaf)
             return false;
         call.bAnswering = true;
         call.dwAnswerDevice = device;
     }
-    const HLINE line = OpenToAnswer(device);
+    HLINE line = 0;
+    BehindWall("SetAnswer", [&] { line = OpenToAnswer(device); });
+    bool answering = false;
     {
         const std::lock_guard guard(call.lock);
-        call.hLine = line;
-        call.bAnswering = line != 0;
+        if (!call.hLine && !call.bDeaf)
+            call.hLine = std::exchange(line, 0);
+        call.bAnswering = answering = call.hLine || call.bReopening;
     }
-    if (line)
+    if (line) // the thread has opened it by itself, after a call that has come and gone meanwhile
+        pService->lineClose(line);
+    if (answering)
         LogTapi("SetAnswer returns %d", true);
-    return line != 0;
+    return answering;
 }
 
 // The device number goes as the address, as it always has.
@@ -144,31 +156,20 @@ HLINE CTapiApp::OpenToAnswer(DWORD device) const {
 
 bool CTapiApp::Dial(DWORD device, const char* szNumber, LONG rate) {
     const Life watch = life;
-    try {
-        return PlaceCall(device, szNumber, rate, watch);
-    } catch (...) {
-        SwallowException("Dial");
-    }
-    if (watch.expired())
-        return false;
-    {
-        const std::lock_guard guard(call.lock);
-        if (!call.IsDialling())
-            return false;
-        call.AdoptMadeCall();
-        call.Fail(callCanceled);
-    }
-    return FinishDial();
+    DWORD dial = noCall;
+    BehindWall("Dial", [&] { PlaceCall(device, szNumber, rate, watch, dial); });
+    return !watch.expired() && dial != noCall && BehindWall("Dial", [&] { return FinishDial(dial); });
 }
 
-bool CTapiApp::PlaceCall(DWORD device, const char* szNumber, LONG rate, const Life& watch) {
+// The telephony thread waits for the end of the news that it told: no dial could get anywhere meanwhile.
+void CTapiApp::PlaceCall(DWORD device, const char* szNumber, LONG rate, const Life& watch, DWORD& dial) {
     if (bDisabled)
-        return false;
+        return;
     {
         const std::lock_guard guard(call.lock);
-        if (call.hLine || call.hCall || call.bReopening) {
-            call.lpszError = unavailable;
-            return false;
+        if (call.IsTaken() || call.bDeaf || newsUnderWay) {
+            call.lpszError = callUnavailable;
+            return;
         }
     }
     const std::string number = NumberToDial(device, szNumber);
@@ -178,15 +179,12 @@ bool CTapiApp::PlaceCall(DWORD device, const char* szNumber, LONG rate, const Li
         const std::lock_guard guard(call.lock);
         call.dwAnswerDevice = device;
         if (!line)
-            call.lpszError = unavailable;
+            call.lpszError = callUnavailable;
     }
-    if (!line) {
-        LogText("lineOpen failed");
-        return false;
-    }
-    if (RequestCall(line, number, rate, watch))
-        WaitForDial(watch);
-    return !watch.expired() && FinishDial();
+    if (!line)
+        return LogText("lineOpen failed");
+    if (RequestCall(line, number, rate, watch, dial))
+        WaitForDial(watch, dial);
 }
 
 std::string CTapiApp::NumberToDial(DWORD device, const char* szNumber) const {
@@ -197,97 +195,115 @@ std::string CTapiApp::NumberToDial(DWORD device, const char* szNumber) const {
     return number;
 }
 
-// The dial runs before it is asked for, so that an early reply counts. False: the request has failed at once;
-// the object may be gone.
-bool CTapiApp::RequestCall(HLINE line, const std::string& number, LONG rate, const Life& watch) {
-    {
-        const std::lock_guard guard(call.lock);
-        call.hLine = line;
-        call.hCall = 0;
-        call.hMadeCall = 0;
-        call.lpszError = nullptr;
-        call.Retire(std::exchange(call.lMakeCallResult, 0));
-        call.Retire(std::exchange(call.lDropResult, 0));
-        call.dwLastHeard = GetTickCount();
-        call.nDialResult = DialResult::Running;
-    }
-    LINECALLPARAMS parameters = CallParameters(rate);
-    const LONG result =
-        pService->lineMakeCallA(line, &call.hMadeCall, number.c_str(), noCountry, &parameters);
-    {
-        const std::lock_guard guard(call.lock);
-        call.lMakeCallResult = result;
-        call.AdoptMadeCall();
-    }
+// The dial runs before it is asked for, so that an early reply counts.
+DWORD CTapiApp::BeginDial(HLINE line, const std::shared_ptr<MadeCall>& made) {
+    const std::lock_guard guard(call.lock);
+    call.placed.push_back(made);
+    call.BeginNext();
+    call.hLine = line;
+    call.hCall = 0;
+    call.made = made;
+    call.lpszError = nullptr;
+    call.Owe(Owed::Reply);
+    call.nDialResult = DialResult::Running;
+    return call.nCall;
+}
+
+// False: the request has failed at once; the object may be gone.
+bool CTapiApp::RequestCall(HLINE line, const std::string& number, LONG rate, const Life& watch, DWORD& dial) {
+    const auto made = std::make_shared<MadeCall>();
+    dial = BeginDial(line, made);
+    const LONG result = MakeCall(line, number, rate, *made, dial);
     if (result > 0) // 0 is no request either: the service has done nothing
         return true;
-    NoteFailedRequest(result);
+    NoteFailedRequest(result, dial);
     HangUp();
     if (watch.expired())
         return false;
     const std::lock_guard guard(call.lock);
-    call.Fail(callCanceled);
+    if (call.nCall == dial)
+        call.Fail(callCanceled);
     return false;
 }
 
-void CTapiApp::NoteFailedRequest(LONG error) {
+// The request's number, or an error: also that of its reply, if it was there at once.
+LONG CTapiApp::MakeCall(HLINE line, const std::string& number, LONG rate, MadeCall& made, DWORD dial) {
+    LINECALLPARAMS parameters = CallParameters(rate);
+    const AskingGuard asking(call);
+    const LONG result = pService->lineMakeCallA(line, &made.handle, number.c_str(), noCountry, &parameters);
     const std::lock_guard guard(call.lock);
-    if (call.IsDialling() && error == static_cast<LONG>(LINEERR_CALLUNAVAIL))
+    const std::optional<LONG> reply = call.EarlyReplyTo(result);
+    made.request = result;
+    if (result <= 0 || reply)
+        std::erase_if(call.placed, [&](const auto& placed) { return placed.get() == &made; });
+    if (call.nCall == dial) {
+        call.lMakeCallResult = result;
+        call.AdoptMadeCall();
+        if (reply && call.owed == Owed::Reply)
+            call.owed = Owed::Nothing;
+    }
+    return reply && *reply < 0 ? *reply : result;
+}
+
+void CTapiApp::NoteFailedRequest(LONG error, DWORD which) {
+    const std::lock_guard guard(call.lock);
+    if (call.nCall == which && call.IsDialling() && error == static_cast<LONG>(LINEERR_CALLUNAVAIL))
         call.lpszError = noDialTone;
 }
 
 // Afterwards the object may be gone, or the dial has a result.
-void CTapiApp::WaitForDial(const Life& watch) {
-    while (IsDialling()) {
-        const Pumped pumped = PumpMessages(watch);
+void CTapiApp::WaitForDial(const Life& watch, DWORD dial) {
+    while (IsRunning(dial)) {
+        const Pumped pumped = PumpMessages(watch, dial);
         if (pumped == Pumped::Gone)
             return;
         const char* reason = WhyToGiveUp(pumped);
         if (!reason)
             continue;
         const std::lock_guard guard(call.lock);
-        if (!call.IsDialling())
+        if (call.nCall != dial || !call.IsDialling())
             return;
         call.AdoptMadeCall();
         call.Fail(reason);
     }
-    WaitForReason(watch);
+    WaitForReason(watch, dial);
 }
 
 // A busy line is told of twice: the state ends the dial, and the disconnection that follows has the reason.
-void CTapiApp::WaitForReason(const Life& watch) {
+void CTapiApp::WaitForReason(const Life& watch, DWORD dial) {
     const Deadline patience(reasonWait);
-    while (!patience.Passed()) {
-        {
-            const std::lock_guard guard(call.lock);
-            if (!call.AwaitsReason())
-                return;
-        }
-        if (PumpMessages(watch) != Pumped::On || WhyToGiveUp(Pumped::On))
+    while (!patience.Passed() && IsWaiting(dial))
+        if (PumpMessages(watch, dial) != Pumped::On || WhyToGiveUp(Pumped::On))
             return;
-    }
 }
 
-bool CTapiApp::IsWaiting() const {
+bool CTapiApp::IsRunning(DWORD dial) const {
     const std::lock_guard guard(call.lock);
-    return call.IsDialling() || call.AwaitsReason();
+    return call.nCall == dial && call.IsDialling();
 }
 
+bool CTapiApp::IsWaiting(DWORD dial) const {
+    const std::lock_guard guard(call.lock);
+    return call.nCall == dial && (call.IsDialling() || call.AwaitsReason());
+}
+
+// The states of a call have no time limit: a far end may ring for as long as the host likes.
 const char* CTapiApp::WhyToGiveUp(Pumped pumped) const {
     if (pumped == Pumped::Quit || !pControl.WantsCall())
         return callCanceled;
     if (WaitForSingleObject(hThread.get(), 0) != WAIT_TIMEOUT)
-        return unavailable;
+        return callUnavailable;
     const std::lock_guard guard(call.lock);
-    return GetTickCount() - call.dwLastHeard >= limits.silence ? unavailable : nullptr;
+    const bool isSilent = call.owed != Owed::Nothing && GetTickCount() - call.dwOwedSince >= limits.silence;
+    return isSilent ? callUnavailable : nullptr;
 }
 
 // Taking a message off the queue also serves what other threads send, in which the object may go. A window
 // that always has a message more must not keep the dial from its end.
-CTapiApp::Pumped CTapiApp::PumpMessages(const Life& watch) const {
+CTapiApp::Pumped CTapiApp::PumpMessages(const Life& watch, DWORD dial) const {
     const Deadline turn(pumpPause);
     MSG message;
-    while (IsWaiting() && !turn.Passed()) {
+    while (IsWaiting(dial) && !turn.Passed()) {
         const bool isOne = PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;
         if (isOne && message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));
@@ -303,32 +319,38 @@ CTapiApp::Pumped CTapiApp::PumpMessages(const Life& watch) const {
             break;
     }
     const HANDLE thread = hThread.get();
-    if (IsWaiting())
+    if (IsWaiting(dial))
         MsgWaitForMultipleObjects(1, &thread, FALSE, pumpPause, QS_ALLINPUT);
     return Pumped::On;
 }
 
-bool CTapiApp::FinishDial() {
+bool CTapiApp::FinishDial(DWORD dial) {
     HLINE line = 0;
     HCALL failed = 0;
     {
         const std::lock_guard guard(call.lock);
-        if (call.nDialResult == DialResult::Connected)
+        if (call.nCall != dial)
+            return false;
+        if (call.nDialResult == DialResult::Connected && !call.bEnding)
             return true;
+        call.AdoptMadeCall();
+        if (call.IsDialling())
+            call.Fail(callCanceled);
+        call.nDialResult = DialResult::Failed;
+        const bool isDropped = call.bEnding;
         failed = call.TakeCall();
+        if (isDropped)
+            failed = 0;
         line = call.TakeLine();
+        call.BeginNext();
     }
-    if (failed)
-        DropForGood(failed);
+    BehindWall("Dial", [&] {
+        if (failed)
+            pService->lineDrop(failed, nullptr, 0);
+    });
     if (line)
         pService->lineClose(line);
     return false;
-}
-
-void CTapiApp::DropForGood(HCALL dropped) {
-    const LONG result = pService->lineDrop(dropped, nullptr, 0);
-    const std::lock_guard guard(call.lock);
-    call.Retire(result);
 }
 
 bool CTapiApp::HangUp() {
@@ -339,31 +361,55 @@ bool CTapiApp::HangUp() {
     });
 }
 
-// A call is only dropped: when it is idle, the thread releases it and its line.
-bool CTapiApp::EndCall(const char* szReason) {
+// A call is only dropped: when it is idle, the thread releases it and its line. A line that waited for calls
+// waits no more, so that it can be told to wait again.
+bool CTapiApp::EndCall(const char* szReason, DWORD which) {
     if (bDisabled)
         return false;
     HLINE unused = 0;
     HCALL current = 0;
+    DWORD present = noCall;
+    bool wasEnding = false;
     {
         const std::lock_guard guard(call.lock);
+        if (which != noCall && which != call.nCall)
+            return false;
         call.AdoptMadeCall();
         current = call.hCall;
         if (!call.hLine || !current)
             call.Fail(szReason);
-        if (!current)
+        if (!current && call.hLine) {
             unused = call.TakeLine();
+            call.bAnswering = false;
+            call.BeginNext();
+        }
+        if (current) {
+            wasEnding = std::exchange(call.bEnding, true);
+            call.Owe(Owed::Idle);
+        }
+        present = call.nCall;
     }
     if (unused)
         pService->lineClose(unused);
-    if (!current)
-        return true;
-    const LONG result = pService->lineDrop(current, nullptr, 0);
+    return !current || DropCall(current, present, szReason, wasEnding);
+}
+
+bool CTapiApp::DropCall(HCALL dropped, DWORD which, const char* szReason, bool wasEnding) {
+    const AskingGuard asking(call);
+    const LONG result = pService->lineDrop(dropped, nullptr, 0);
     const std::lock_guard guard(call.lock);
-    call.lDropResult = result;
-    if (result < 0 && call.IsDialling()) // no idle state will come
-        call.Fail(szReason);
-    return result >= 0;
+    const bool accepted = result >= 0 && call.EarlyReplyTo(result).value_or(0) >= 0;
+    if (call.nCall != which)
+        return accepted;
+    if (accepted) {
+        call.lDropResult = result;
+    } else if (!wasEnding) { // no idle state will come
+        call.bEnding = false;
+        call.owed = Owed::Nothing;
+        if (call.IsDialling())
+            call.Fail(szReason);
+    }
+    return accepted;
 }
 
 HANDLE CTapiApp::GetCommHandle() const {

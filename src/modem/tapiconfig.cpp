@@ -29,6 +29,8 @@ void CTapiApp::SetDeviceConfig(DWORD device, const char* szText) {
         if (bDisabled || !szText)
             return;
         std::vector<std::byte> bytes = BytesOfDeviceText(szText);
-        pService->lineSetDevConfigA(device, bytes.data(), static_cast<DWORD>(bytes.size()), configClass);
+        std::byte none = {}; // a vector without elements may have no address
+        pService->lineSetDevConfigA(device, bytes.empty() ? &none : bytes.data(),
+                                    static_cast<DWORD>(bytes.size()), configClass);
     });
 }

@@ -4,6 +4,8 @@
 #include "tapiblock.h"
 #include "tapilog.h"
 
+#include <algorithm>
+#include <cstring>
 #include <optional>
 
 namespace {
@@ -11,6 +13,9 @@ namespace {
 constexpr DWORD lowestVersion = 0x10004;
 constexpr DWORD highestVersion = 0x20000;
 constexpr DWORD capsSize = 268; // to begin with
+
+// Bytes of a name that a control keeps of its port's. Longer names are compared as far as that.
+constexpr int comparedOfName = 99;
 
 using LineCaps = TapiBlock<LINEDEVCAPS>;
 
@@ -26,6 +31,12 @@ std::optional<LineCaps> CapsOf(const TapiService& service, HLINEAPP hLineApp, DW
 
 bool TakesData(const std::optional<LineCaps>& caps) {
     return caps && ((*caps)->dwMediaModes & LINEMEDIAMODE_DATAMODEM);
+}
+
+bool IsSameName(const std::string& name, const char* szName) {
+    const auto cut = [](size_t length) { return static_cast<int>(std::min<size_t>(length, comparedOfName)); };
+    return CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, name.c_str(), cut(name.size()), szName,
+                          cut(std::strlen(szName))) == CSTR_EQUAL;
 }
 
 std::string NameIn(const LineCaps& caps) {
@@ -95,7 +106,7 @@ int CTapiApp::FindModem(const char* szName) const {
         if (bDisabled || !szName || !*szName)
             return 0;
         for (DWORD device = 0; device < dwNumDevs; ++device)
-            if (lstrcmpiA(GetModemName(device).c_str(), szName) == 0)
+            if (IsSameName(GetModemName(device), szName))
                 return device + 1;
         return 0;
     });
@@ -103,6 +114,9 @@ int CTapiApp::FindModem(const char* szName) const {
 }
 
 void CTapiApp::ConfigDialog(DWORD device, HWND hOwner) const {
-    if (!bDisabled)
-        pService->lineConfigDialogA(device, hOwner, "COMM");
+    if (bDisabled)
+        return;
+    const LONG result = pService->lineConfigDialogA.function(device, hOwner, "COMM");
+    if (result != 0)
+        LogTapi("lineConfigDialog returned %ld\n", result);
 }

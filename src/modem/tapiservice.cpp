@@ -19,7 +19,7 @@ std::optional<TapiService> Bound() {
         return std::nullopt;
     TapiService service;
     bool complete = true;
-#define TARN_TAPI_BIND(name) complete = Bind(library, #name, service.name) && complete;
+#define TARN_TAPI_BIND(name) complete = Bind(library, #name, service.name.function) && complete;
     TARN_TAPI_FUNCTIONS(TARN_TAPI_BIND)
 #undef TARN_TAPI_BIND
     if (!complete) {

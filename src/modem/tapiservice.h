@@ -3,9 +3,12 @@
 #pragma once
 
 // The structures of version 2.0 are what the service fills.
+#define TAPI_CURRENT_VERSION 0x00020000
 #include <windows.h>
 
 #include <tapi.h>
+
+#include "diagnostics/faultguard.h"
 
 #define TARN_TAPI_FUNCTIONS(ROW)                                                                             \
     ROW(lineAnswer)                                                                                          \
@@ -29,8 +32,21 @@
     ROW(lineShutdown)                                                                                        \
     ROW(lineTranslateAddressA)
 
+// A fault in the service arrives as an exception.
+template <class Function>
+struct ServiceCall;
+
+template <class Result, class... Arguments>
+struct ServiceCall<Result(WINAPI*)(Arguments...)> {
+    Result(WINAPI* function)(Arguments...) = nullptr; // by itself where it calls windows back
+
+    Result operator()(Arguments... arguments) const {
+        return CallTranslated([&] { return function(arguments...); });
+    }
+};
+
 struct TapiService {
-#define TARN_TAPI_MEMBER(name) decltype(&::name) name = nullptr;
+#define TARN_TAPI_MEMBER(name) ServiceCall<decltype(&::name)> name;
     TARN_TAPI_FUNCTIONS(TARN_TAPI_MEMBER)
 #undef TARN_TAPI_MEMBER
 };

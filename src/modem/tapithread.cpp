@@ -1,6 +1,5 @@
 // The telephony thread: takes the service's messages and turns them into the state of the call.
 #include "core/comapartment.h"
-#include "diagnostics/faultguard.h"
 #include "diagnostics/swallow.h"
 #include "diagnostics/wiretap.h"
 #include "TapiApp.h"
@@ -12,6 +11,7 @@
 namespace {
 
 constexpr DWORD lookAgain = 1000; // ms
+constexpr int looks = 5;          // at a queue that seems to be empty
 constexpr DWORD noMessage = static_cast<DWORD>(-1);
 
 constexpr char ringing[] = "TapiThread:Ringing";
@@ -67,11 +67,11 @@ const char* WordOf(const WordRow (&rows)[count], DWORD_PTR value, const char* sz
     return row ? row->szWord : szOther;
 }
 
-// A fault of the service ends with the step. No step calls a window back.
+// A fault of the service ends with the step.
 template <class Step>
 void RunStep(const char* szLabel, Step&& step) {
     try {
-        CallTranslated(step);
+        step();
     } catch (...) {
         SwallowException(szLabel);
     }
@@ -84,7 +84,7 @@ struct CTapiApp::ThreadTables {
         {LINE_ADDRESSSTATE, "LINE_ADDRESSSTATE"},
         {LINE_CALLINFO, "LINE_CALLINFO"},
         {LINE_CALLSTATE, "LINE_CALLSTATE", &CTapiApp::TakeCallState},
-        {LINE_CLOSE, "LINE_CLOSE"},
+        {LINE_CLOSE, "LINE_CLOSE", &CTapiApp::TakeClose},
         {LINE_DEVSPECIFIC, "LINE_DEVSPECIFIC"},
         {LINE_DEVSPECIFICFEATURE, "LINE_DEVSPECIFICFEATURE"},
         {LINE_GATHERDIGITS, "LINE_GATHERDIGITS"},
@@ -130,30 +130,65 @@ struct CTapiApp::ThreadTables {
 
 void CTapiApp::TapiThread() {
     const ComApartment apartment;
+    if (!Listen())
+        GoDeaf();
+}
+
+bool CTapiApp::Listen() {
     const HANDLE handles[] = {hShutdown.get(), hLineEvent};
     for (;;) {
         switch (WaitForMultipleObjects(2, handles, FALSE, lookAgain)) {
+        case WAIT_OBJECT_0:
+            return true;
         case WAIT_OBJECT_0 + 1:
             if (!ServeMessage())
-                return;
+                return false;
             break;
         case WAIT_TIMEOUT:
             break;
         default:
-            return;
+            return false;
         }
     }
 }
 
-// False: the service is gone. A queue that was emptied meanwhile, by the closing of its line, is no failure.
+// Nobody would answer on a line that waits. One with a call stays, for its data.
+void CTapiApp::GoDeaf() {
+    HLINE waiting = 0;
+    {
+        const std::lock_guard guard(call.lock);
+        call.bDeaf = true;
+        if (call.bAnswering && !call.hCall) {
+            waiting = call.TakeLine();
+            call.BeginNext();
+        }
+        call.bAnswering = call.bReopening = false;
+    }
+    RunStep("TapiThread", [&] {
+        if (waiting)
+            pService->lineClose(waiting);
+    });
+}
+
+LONG CTapiApp::GetMessageOfService(LINEMESSAGE& message) const {
+    LONG result = static_cast<LONG>(LINEERR_INVALAPPHANDLE);
+    RunStep("TapiThread", [&] { result = pService->lineGetMessage(hLineApp, &message, 0); });
+    return result;
+}
+
+// False: the service is gone. A queue that was emptied meanwhile, by the closing of its line, is no failure;
+// nor is one that was empty and had a message again when its event was looked at.
 bool CTapiApp::ServeMessage() {
     LINEMESSAGE message = {};
-    message.dwMessageID = noMessage;
-    const LONG result = pService->lineGetMessage(hLineApp, &message, 0);
-    const bool isEmpty = result == static_cast<LONG>(LINEERR_OPERATIONFAILED) &&
-                         WaitForSingleObject(hLineEvent, 0) == WAIT_TIMEOUT;
-    if (isEmpty)
-        return true;
+    LONG result = 0;
+    for (int look = 0; look < looks; ++look) {
+        message.dwMessageID = noMessage;
+        result = GetMessageOfService(message);
+        if (result != static_cast<LONG>(LINEERR_OPERATIONFAILED))
+            break;
+        if (WaitForSingleObject(hLineEvent, 0) == WAIT_TIMEOUT)
+            return true;
+    }
     if (result != 0 || message.dwMessageID == noMessage) {
         LogText("lineGetMessage returned error\n");
         return false;
@@ -169,8 +204,12 @@ bool CTapiApp::ServeMessage() {
 void CTapiApp::TakeMessage(const LINEMESSAGE& message) {
     {
         const std::lock_guard guard(call.lock);
-        call.dwLastHeard = GetTickCount();
         call.AdoptMadeCall();
+        const bool isState = message.dwMessageID == LINE_CALLSTATE && call.Concerns(message.hDevice);
+        const bool isReply =
+            message.dwMessageID == LINE_REPLY && call.IsRequest(static_cast<LONG>(message.dwParam1));
+        if (call.owed == Owed::Reply && (isState || isReply))
+            call.owed = Owed::Nothing;
     }
     const MessageRow* row = Find(ThreadTables::messages, &MessageRow::message, message.dwMessageID);
     if (!row)
@@ -180,46 +219,63 @@ void CTapiApp::TakeMessage(const LINEMESSAGE& message) {
     LogTapi("Line message received: %s\n", row->szName);
 }
 
-bool CTapiApp::Tell(News news, const char* szLabel) {
-    return ownerSend
-        ->Send(NewsWindow::message, static_cast<WPARAM>(news), reinterpret_cast<LPARAM>(szLabel), 0)
-        .has_value();
+bool CTapiApp::Tell(News news, const char* szLabel, DWORD which) {
+    const WPARAM told = static_cast<WPARAM>(news) | static_cast<WPARAM>(which) << newsBits;
+    return ownerSend->Send(NewsWindow::message, told, reinterpret_cast<LPARAM>(szLabel), 0).has_value();
 }
 
-bool CTapiApp::HangUpFromThread(const char* szLabel, const char* szReason) {
-    if (!Tell(News::Disconnected, szLabel))
+bool CTapiApp::HangUpFromThread(const char* szLabel, DWORD which, const char* szReason) {
+    if (!Tell(News::Disconnected, szLabel, which))
         return false;
-    RunStep(szLabel, [&] { EndCall(szReason); });
+    RunStep(szLabel, [&] { EndCall(szReason, which); });
     return true;
 }
 
 void CTapiApp::TakeDeviceState(const LINEMESSAGE& message) {
     if (message.dwParam1 == LINEDEVSTATE_RINGING)
-        Tell(News::Ring, ringing);
+        Tell(News::Ring, ringing, noCall);
     LogText("Line message received: LINE_LINEDEVSTATE\n");
 }
 
+// Without this a dial on a line that is no more would have no end; nothing else is done about it.
+void CTapiApp::TakeClose(const LINEMESSAGE& message) {
+    {
+        const std::lock_guard guard(call.lock);
+        if (call.IsDialling() && message.hDevice == call.hLine)
+            call.Fail(callUnavailable);
+    }
+    LogText("Line message received: LINE_CLOSE\n");
+}
+
 void CTapiApp::TakeReply(const LINEMESSAGE& message) {
-    const auto error = static_cast<LONG>(message.dwParam2);
-    if (error < 0)
-        RequestFailed(message.dwParam1, error);
+    const Reply reply = {static_cast<LONG>(message.dwParam1), static_cast<LONG>(message.dwParam2)};
+    DWORD which = noCall;
+    bool isDrop = false;
+    {
+        const std::lock_guard guard(call.lock);
+        call.TakeReply(reply);
+        if (call.IsRequest(reply.request))
+            which = call.nCall;
+        isDrop = call.IsDrop(reply.request);
+    }
+    if (which != noCall && reply.error < 0)
+        RequestFailed(reply.error, which, isDrop);
     LogText("\nLine message received: LINE_REPLY\n");
 }
 
 // The result comes last: the dialler must have heard of the disconnection before it reads the reason. A drop
 // that is refused is not asked for again.
-void CTapiApp::RequestFailed(DWORD_PTR request, LONG error) {
-    bool isDrop = false;
-    {
-        const std::lock_guard guard(call.lock);
-        if (call.IsRetired(request))
-            return;
-        isDrop = call.lDropResult > 0 && request == static_cast<DWORD_PTR>(call.lDropResult);
-    }
-    NoteFailedRequest(error);
-    if (!isDrop && !HangUpFromThread(lineReply))
+void CTapiApp::RequestFailed(LONG error, DWORD which, bool isDrop) {
+    NoteFailedRequest(error, which);
+    if (!isDrop && !HangUpFromThread(lineReply, which))
         return;
     const std::lock_guard guard(call.lock);
+    if (call.nCall != which)
+        return;
+    if (isDrop) {
+        call.bEnding = false;
+        call.owed = Owed::Nothing;
+    }
     call.Fail(callCanceled);
 }
 
@@ -234,6 +290,7 @@ void CTapiApp::CallIdle(const LINEMESSAGE& message) {
     HLINE line = 0;
     HCALL ended = 0;
     bool again = false;
+    DWORD which = noCall;
     {
         const std::lock_guard guard(call.lock);
         if (!call.Concerns(message.hDevice))
@@ -242,6 +299,8 @@ void CTapiApp::CallIdle(const LINEMESSAGE& message) {
         ended = call.TakeCall();
         line = call.TakeLine();
         again = call.bReopening = call.bAnswering;
+        call.BeginNext();
+        which = call.nCall;
     }
     RunStep(idle, [&] {
         if (ended)
@@ -249,7 +308,7 @@ void CTapiApp::CallIdle(const LINEMESSAGE& message) {
         if (line)
             pService->lineClose(line);
     });
-    if (!Tell(News::Idle, idle) || !again)
+    if (!Tell(News::Idle, idle, which) || !again)
         return;
     RunStep(idle, [this] { OpenAgain(); });
     const std::lock_guard guard(call.lock);
@@ -263,6 +322,8 @@ void CTapiApp::OpenAgain() {
     DWORD device = noDevice;
     {
         const std::lock_guard guard(call.lock);
+        if (call.hLine)
+            call.bReopening = false;
         if (!call.bReopening)
             return;
         device = call.dwAnswerDevice;
@@ -274,28 +335,39 @@ void CTapiApp::OpenAgain() {
         const std::lock_guard guard(call.lock);
         if (call.bReopening) {
             call.bReopening = false;
-            call.bAnswering = answering = line != 0;
-            call.hLine = std::exchange(line, 0);
+            if (!call.hLine)
+                call.hLine = std::exchange(line, 0);
+            call.bAnswering = answering = call.hLine != 0;
         }
     }
     if (line)
         pService->lineClose(line);
-    LogTapi("SetAnswer returns %d", answering);
+    if (answering)
+        LogTapi("SetAnswer returns %d", true);
 }
 
 // One call at a time: another one that waits meanwhile is left to ring.
 void CTapiApp::CallOffered(const LINEMESSAGE& message) {
     const HCALL offered = message.hDevice;
+    DWORD which = noCall;
     {
         const std::lock_guard guard(call.lock);
         if (call.hCall || !call.bAnswering || !offered)
             return;
+        call.BeginNext();
         call.hCall = offered;
+        call.bOffered = true;
+        which = call.nCall;
     }
-    LONG result = 0;
+    LONG result = static_cast<LONG>(LINEERR_OPERATIONFAILED);
     RunStep("TapiThread", [&] { result = pService->lineAnswer(offered, nullptr, 0); });
-    if (result < 0)
-        HangUpFromThread(lineReply);
+    if (result < 0) {
+        HangUpFromThread(lineReply, which);
+        return;
+    }
+    const std::lock_guard guard(call.lock);
+    if (call.nCall == which)
+        call.lAnswerResult = result;
 }
 
 void CTapiApp::CallBusy(const LINEMESSAGE& message) {
@@ -304,32 +376,41 @@ void CTapiApp::CallBusy(const LINEMESSAGE& message) {
         call.nDialResult = DialResult::Failed;
 }
 
-// The owner of a call that was dialled asks for its handle by himself.
+// The owner of a call that was dialled asks for its handle by himself. A call that is being dropped, or whose
+// dial was given up, is connected no more.
 void CTapiApp::CallConnected(const LINEMESSAGE& message) {
-    bool answered = false;
+    DWORD which = noCall;
     {
         const std::lock_guard guard(call.lock);
-        if (!call.Concerns(message.hDevice))
+        if (!call.Concerns(message.hDevice) || call.bEnding)
             return;
-        answered = call.bAnswering && !call.IsDialling();
+        if (call.IsDialling())
+            call.nDialResult = DialResult::Connected;
+        else if (std::exchange(call.bOffered, false))
+            which = call.nCall;
     }
-    if (answered && !Tell(News::Answered, connected))
+    if (which == noCall || !Tell(News::Answered, connected, which))
         return;
     const std::lock_guard guard(call.lock);
-    call.nDialResult = DialResult::Connected;
+    if (call.nCall == which && !call.bEnding)
+        call.nDialResult = DialResult::Connected;
 }
 
 // The reason and the result come when all has been told: the dialler's own word about the call is the last.
 void CTapiApp::CallDisconnected(const LINEMESSAGE& message) {
+    DWORD which = noCall;
     {
         const std::lock_guard guard(call.lock);
         if (!call.Concerns(message.hDevice))
             return;
+        which = call.nCall;
     }
     const char* reason = WordOf(disconnectReasons, message.dwParam2, callCanceled);
-    if (!HangUpFromThread(disconnected, reason) || !Tell(News::Carrier, disconnected))
+    if (!HangUpFromThread(disconnected, which, reason) || !Tell(News::Carrier, disconnected, which))
         return;
     const std::lock_guard guard(call.lock);
+    if (call.nCall != which)
+        return;
     call.nDialResult = DialResult::Failed;
     call.lpszError = reason;
 }

@@ -43,7 +43,7 @@ LONG WINAPI lineSetDevConfigA(DWORD dwDeviceID, LPVOID const lpDeviceConfig, DWO
     return Serve("lineSetDevConfigA", arguments, [&] {
         if (const LONG result = Check(dwDeviceID, lpszDeviceClass))
             return result;
-        if (!lpDeviceConfig && dwSize)
+        if (!lpDeviceConfig)
             return Failure(LINEERR_INVALPOINTER);
         const auto* first = static_cast<const std::byte*>(lpDeviceConfig);
         FindDevice(dwDeviceID)->config.assign(first, first + dwSize);

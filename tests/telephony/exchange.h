@@ -61,6 +61,12 @@ TARN_EXCHANGE void WINAPI ExchangeFarHangUp(DWORD device, DWORD disconnectMode);
 TARN_EXCHANGE void WINAPI ExchangeSendMessage(DWORD device, DWORD messageId, DWORD_PTR param1,
                                               DWORD_PTR param2, DWORD_PTR param3);
 
+// A reply to this request, for every application, whether it has a line open or not: so late a reply may
+// come.
+TARN_EXCHANGE void WINAPI ExchangeSendReply(DWORD request, LONG result);
+// The number of the last request that was accepted.
+TARN_EXCHANGE DWORD WINAPI ExchangeLastRequest(void);
+
 // The next times calls of this function of the service (its exported name) give this result at once and fill
 // in nothing. A result of 0 is a service that answers success and does nothing. times 0 takes the fault back,
 // INFINITE lasts.

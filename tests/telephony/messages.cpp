@@ -1,8 +1,11 @@
 #include "messages.h"
 
+#include "exchange.h"
+
 namespace {
 
 bool messagesFail = false;
+DWORD lastRequest = 0;
 
 LONG TakeMessage(HLINEAPP handle, LINEMESSAGE* to) {
     Application* application = Applications().Find(handle);
@@ -59,8 +62,18 @@ void QueueReply(HLINEAPP application, DWORD request, LONG result) {
 }
 
 DWORD NextRequest() {
-    static DWORD last = 0;
-    return last = last % MAXLONG + 1;
+    return lastRequest = lastRequest % MAXLONG + 1;
+}
+
+void WINAPI ExchangeSendReply(DWORD request, LONG result) {
+    const std::lock_guard guard(ExchangeLock());
+    for (const auto& [handle, application] : Applications())
+        QueueReply(handle, request, result);
+}
+
+DWORD WINAPI ExchangeLastRequest() {
+    const std::lock_guard guard(ExchangeLock());
+    return lastRequest;
 }
 
 void FailMessages() {

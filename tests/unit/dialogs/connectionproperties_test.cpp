@@ -193,6 +193,23 @@ TEST_F(ConnectionProperties, SelectionByKeysEnablesToo) {
     });
 }
 
+TEST_F(ConnectionProperties, TabGoesOverWhatIsEnabled) {
+    struct Row {
+        const char* port;
+        const char* number;
+        std::vector<int> items;
+    };
+    for (const Row& row :
+         {Row{modem, "+1 (212) 5551212", {260, 266, 261, 267, 263, 264, IDOK, IDCANCEL, 268}},
+          {modem, "5551212", {261, 267, 263, 264, IDOK, IDCANCEL, 268}},
+          {plainPort, "5551212", {267, 263, IDOK, IDCANCEL, 268}}}) {
+        SCOPED_TRACE(std::string(row.port) + " " + row.number);
+        choice.port = row.port;
+        choice.phoneNumber = row.number;
+        Look([&](HWND hDlg) { EXPECT_EQ(TabWalk(hDlg, row.items.front()), row.items); });
+    }
+}
+
 TEST_F(ConnectionProperties, CheckBoxEnablesCountryAndAreaCode) {
     Look([](HWND hDlg) {
         ExpectEnabled(hDlg, true, false);
@@ -304,6 +321,84 @@ TEST_F(ConnectionProperties, OKBuildsTheNumber) {
         EXPECT_EQ(choice.phoneNumber, row.built);
         EXPECT_EQ(choice.port, modem);
     }
+}
+
+// What the fields show is less than the text: a code without a row, an area code without brackets.
+constexpr const char* keptNumbers[] = {
+    "5551212",
+    "",
+    "+1 (212) 5551212",
+    "+49 (30) 123",
+    "+49 5551212",
+    "+77 (1) 2",
+    "+1-212-5551212",
+    "+ 1 ( 212 5551212",
+    "+",
+    "+1 (123456789012345678901234567890) 5",
+};
+
+TEST_F(ConnectionProperties, NumberThatNobodyTouchedStays) {
+    for (const bool countries : {true, false}) {
+        if (!countries)
+            doubles::service.countries.clear();
+        for (const std::string number : keptNumbers) {
+            SCOPED_TRACE(number + (countries ? "" : ", no countries"));
+            choice.phoneNumber = number;
+            Confirm([](HWND) {});
+            EXPECT_EQ(choice.phoneNumber, number);
+        }
+    }
+    choice.phoneNumber = std::string(300, '5');
+    Confirm([](HWND) {});
+    EXPECT_EQ(choice.phoneNumber, std::string(300, '5'));
+}
+
+TEST_F(ConnectionProperties, NumberIsNoneOfAPlainPorts) {
+    for (const std::string number : keptNumbers) {
+        SCOPED_TRACE(number);
+        choice.port = modem;
+        choice.phoneNumber = number;
+        Confirm([](HWND hDlg) {
+            Type(hDlg, 261, "42");
+            Choose(hDlg, 267, portRow);
+        });
+        EXPECT_EQ(choice.phoneNumber, number);
+        EXPECT_EQ(choice.port, plainPort);
+    }
+}
+
+struct TouchRow {
+    const char* name;
+    User touch;
+    const char* built;
+};
+
+const TouchRow touches[] = {
+    {"number", [](HWND hDlg) { Type(hDlg, 261, "9"); }, "+1 (212) 9"},
+    {"area code", [](HWND hDlg) { Type(hDlg, 266, "9"); }, "+1 (9) 5551212"},
+    {"country", [](HWND hDlg) { Choose(hDlg, 260, 2); }, "+49 (212) 5551212"},
+    {"box", [](HWND hDlg) { Press(hDlg, 264); }, "5551212"},
+    {"port and number",
+     [](HWND hDlg) {
+         Choose(hDlg, 267, 2);
+         Type(hDlg, 261, "9");
+     },
+     "+1 (212) 9"},
+};
+
+TEST_F(ConnectionProperties, AnyFieldOfTheNumberMakesItAnew) {
+    for (const TouchRow& row : touches) {
+        SCOPED_TRACE(row.name);
+        choice.phoneNumber = "+1 (212)5551212";
+        Confirm(row.touch);
+        EXPECT_EQ(choice.phoneNumber, row.built);
+    }
+}
+
+TEST_F(ConnectionProperties, PortThatNobodyChoseKeepsItsCase) {
+    choice.port = "com1";
+    Confirm([](HWND) {});
+    EXPECT_EQ(choice.port, "com1");
 }
 
 TEST_F(ConnectionProperties, OKTakesTheSelectedPort) {

@@ -79,10 +79,20 @@ TEST_F(DialDialog, KeyThatStartedTheDialCancelsNothing) {
     for (const HWND hWnd : {Button(), dialog.Window()}) {
         Key(hWnd, VK_RETURN, wasDown);
         Key(hWnd, VK_ESCAPE, wasDown);
+        Key(hWnd, VK_SPACE, wasDown);
         Key(hWnd, 'A');
     }
     Settle();
     EXPECT_EQ(cancels, 0);
+}
+
+TEST_F(DialDialog, SpaceThatIsHeldCancelsOnce) {
+    PostMessageA(Button(), WM_KEYDOWN, VK_SPACE, 1);
+    PostMessageA(Button(), WM_KEYDOWN, VK_SPACE, 1 | 1 << 30);
+    Key(Button(), VK_SPACE, 1 << 30);
+    EXPECT_TRUE(Cancelled());
+    Settle();
+    EXPECT_EQ(cancels, 1);
 }
 
 TEST_F(DialDialog, OtherButtonsCancelNothing) {

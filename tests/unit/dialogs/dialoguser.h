@@ -91,6 +91,18 @@ inline bool IsChecked(HWND hDlg, int item) {
     return IsDlgButtonChecked(hDlg, item) == BST_CHECKED;
 }
 
+// Where the tab key leads, from an item on until it comes back or nowhere.
+inline std::vector<int> TabWalk(HWND hDlg, int first) {
+    constexpr size_t limit = 50;
+    std::vector<int> items;
+    HWND item = GetDlgItem(hDlg, first);
+    do {
+        items.push_back(GetDlgCtrlID(item));
+        item = GetNextDlgTabItem(hDlg, item, FALSE);
+    } while (item && GetDlgCtrlID(item) != first && items.size() < limit);
+    return items;
+}
+
 struct DialogSearch {
     int item;
     HWND found;

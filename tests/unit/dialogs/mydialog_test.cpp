@@ -73,11 +73,12 @@ TEST_F(MyDialog, KeysOfAModalDialog) {
 
 TEST_F(MyDialog, OwnerIsDisabledMeanwhile) {
     Plain dialog(owner.get());
-    Play(dialog, [&](HWND hDlg) {
+    const INT_PTR result = Play(dialog, [&](HWND hDlg) {
         EXPECT_FALSE(IsWindowEnabled(owner.get()));
         EXPECT_EQ(GetWindow(hDlg, GW_OWNER), owner.get());
         Notify(hDlg, IDCANCEL, BN_CLICKED);
     });
+    EXPECT_EQ(result, IDCANCEL);
 }
 
 TEST_F(MyDialog, MissingTemplateIsAFailure) {
@@ -143,13 +144,31 @@ TEST_F(MyDialog, CloseEndsAModalDialogToo) {
     EXPECT_TRUE(IsWindowEnabled(owner.get()));
 }
 
+TEST_F(MyDialog, OwnerThatWasDisabledStaysSo) {
+    for (const bool closes : {true, false}) {
+        SCOPED_TRACE(closes);
+        EnableWindow(owner.get(), FALSE);
+        Plain dialog(owner.get());
+        EXPECT_NE(Play(dialog,
+                       [&](HWND hDlg) {
+                           if (closes)
+                               dialog.Close();
+                           else
+                               Notify(hDlg, IDCANCEL, BN_CLICKED);
+                       }),
+                  IDOK);
+        EXPECT_FALSE(IsWindowEnabled(owner.get()));
+    }
+}
+
 TEST_F(MyDialog, CloseEndsWhatTheDialogHasOpened) {
     Plain dialog(owner.get());
-    Play(dialog, [&](HWND hDlg) {
+    const INT_PTR result = Play(dialog, [&](HWND hDlg) {
         Plain nested(hDlg);
         EXPECT_NE(Play(nested, [&](HWND) { dialog.Close(); }), IDOK);
         EXPECT_EQ(nested.Window(), nullptr);
     });
+    EXPECT_NE(result, IDOK);
     EXPECT_EQ(dialog.Window(), nullptr);
     EXPECT_TRUE(IsWindowEnabled(owner.get()));
 }

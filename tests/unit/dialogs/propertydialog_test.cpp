@@ -169,6 +169,16 @@ TEST_F(PropertyDialog, RadioButtonsTurnThePage) {
     });
 }
 
+// Of the radio buttons the checked one alone.
+TEST_F(PropertyDialog, TabGoesOverThePageThatIsShown) {
+    using Items = std::vector<int>;
+    Look([](HWND hDlg) {
+        EXPECT_EQ(TabWalk(hDlg, 249), (Items{249, 240, 201, 251, 203, 204, 205, IDOK, IDCANCEL}));
+        Press(hDlg, 250);
+        EXPECT_EQ(TabWalk(hDlg, 250), (Items{250, 240, 202, IDOK, IDCANCEL}));
+    });
+}
+
 TEST_F(PropertyDialog, NumberOpensTheModemsPage) {
     choice.phoneNumber = "5551212";
     choice.port = modem;

@@ -138,10 +138,27 @@ TEST_F(SerialPortProperties, FlowControlIsTheRowLessOne) {
 }
 
 TEST_F(SerialPortProperties, FlowControlWithoutARowIsLeftAlone) {
-    for (const int value : {4, 99, -2, -100, 0x7FFFFFFF}) {
+    for (const int value : {5, 99, -2, -100, 0x7FFFFFFF}) {
         handshaking = value;
         Confirm([](HWND hDlg) { EXPECT_EQ(Selected(hDlg, 273), -1); });
         EXPECT_EQ(handshaking, value);
+    }
+}
+
+struct PresetRow {
+    int chosen; // row
+    int result;
+};
+
+TEST_F(SerialPortProperties, FlowControlThatNobodySetIsADefaultToo) {
+    for (const PresetRow& row : {PresetRow{0, 4}, {1, 0}, {2, 1}, {4, 3}}) {
+        SCOPED_TRACE(row.chosen);
+        handshaking = 4;
+        Confirm([&](HWND hDlg) {
+            EXPECT_EQ(Selected(hDlg, 273), 0);
+            Choose(hDlg, 273, row.chosen);
+        });
+        EXPECT_EQ(handshaking, row.result);
     }
 }
 

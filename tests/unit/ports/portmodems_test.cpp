@@ -63,29 +63,4 @@ TEST_F(PortModems, AServiceThatFailsLeavesThePorts) {
     EXPECT_THAT(list.Names(), ElementsAre("COM2"));
 }
 
-std::vector<std::string> Rows(HWND box) {
-    std::vector<std::string> rows;
-    const auto count = SendMessageA(box, CB_GETCOUNT, 0, 0);
-    for (LRESULT row = 0; row < count; ++row) {
-        char text[256] = {};
-        SendMessageA(box, CB_GETLBTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text));
-        rows.emplace_back(text);
-    }
-    return rows;
-}
-
-TEST_F(PortModems, FillAComboBox) {
-    ScriptedPorts::Plug("COM2");
-    ScriptedPorts::Plug("COM10");
-    AddModem("Alpha");
-    const CTapiApp telephony(owner);
-    const HWND box =
-        CreateWindowA("COMBOBOX", "", WS_POPUP, 0, 0, 50, 50, nullptr, nullptr, nullptr, nullptr);
-    list.FillCombo(box, &telephony);
-    EXPECT_THAT(Rows(box), ElementsAre("COM10", "COM2", "Alpha"));
-    DestroyWindow(box);
-    list.FillCombo(box, &telephony);
-    list.FillCombo(nullptr, nullptr);
-}
-
 } // namespace

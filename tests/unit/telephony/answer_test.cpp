@@ -111,9 +111,12 @@ TEST_F(TapiAnswer, ALineThatDoesNotOpenAgainAnswersNoMore) {
     AnswerACall();
     ExchangeFail("lineOpenA", TapiError(LINEERR_RESOURCEUNAVAIL), 1);
     ExchangeFarHangUp(dataLine, LINEDISCONNECTMODE_NORMAL);
-    EXPECT_TRUE(host::PumpUntil([] { return Logged("SetAnswer returns 0") == 1; }));
+    EXPECT_TRUE(host::PumpUntil([] { return Logged("lineOpen failed") == 1; }));
+    EXPECT_TRUE(host::PumpUntil([this] { return !app->IsAnswering(); }));
     EXPECT_EQ(Held().lines, 0U);
+    EXPECT_EQ(Logged("SetAnswer returns 0"), 0);
     EXPECT_TRUE(app->SetAnswer(true, dataLine));
+    EXPECT_EQ(Held().lines, 1U);
 }
 
 TEST_F(TapiAnswer, TurnedOffWhenTheLineGoesIdleItStaysOff) {
@@ -198,6 +201,56 @@ TEST_F(TapiAnswer, DestroyedInsideOfEachEvent) {
         EXPECT_EQ(Held().calls, 0U) << event;
         owner.comm.reset();
     }
+}
+
+TEST_F(TapiAnswer, ALateFailingReplyToAnAnswerSparesTheNextWait) {
+    StartAnswering();
+    ExchangeRing(dataLine);
+    ASSERT_TRUE(PumpUntilHeard("answered"));
+    const DWORD answer = ExchangeLastRequest();
+    ASSERT_TRUE(app->HangUp());
+    const DWORD drop = ExchangeLastRequest();
+    ASSERT_NE(answer, drop);
+    ASSERT_TRUE(host::PumpUntil([] { return Asked("lineSetNumRings") == 2; }));
+    owner.Forget();
+    const int replies = Logged("LINE_REPLY");
+    ExchangeSendReply(answer, TapiError(LINEERR_OPERATIONFAILED));
+    ExchangeSendReply(drop, TapiError(LINEERR_OPERATIONFAILED));
+    EXPECT_TRUE(host::PumpUntil([&] { return Logged("LINE_REPLY") == replies + 2; }));
+    EXPECT_EQ(owner.Events(), Texts{});
+    EXPECT_EQ(Held().lines, 1U);
+    ExchangeRing(dataLine);
+    EXPECT_TRUE(PumpUntilHeard("answered"));
+}
+
+TEST_F(TapiAnswer, AFailingReplyToTheAnswerHangsUp) {
+    ExchangeSetPace(200); // the answer is under way
+    StartAnswering();
+    ExchangeRing(dataLine);
+    ASSERT_TRUE(host::PumpUntil([] { return Asked("lineAnswer") == 1 && Logged("LINE_REPLY") == 1; }));
+    ExchangeSendReply(ExchangeLastRequest(), TapiError(LINEERR_OPERATIONFAILED));
+    EXPECT_TRUE(PumpUntilHeard("idle"));
+    EXPECT_EQ(Asked("lineDrop"), 1);
+    EXPECT_EQ(owner.Count("answered"), 0) << "it was being dropped when it was connected";
+    EXPECT_TRUE(host::PumpUntil([] { return Asked("lineSetNumRings") == 2; }));
+}
+
+TEST_F(TapiAnswer, AConnectionIsToldOnce) {
+    AnswerACall();
+    ExchangeSendMessage(dataLine, LINE_CALLSTATE, LINECALLSTATE_CONNECTED, 0, 0);
+    EXPECT_TRUE(host::PumpUntil([] { return Logged("LINE_CALLSTATE  Connected") == 2; }));
+    host::Pump(20);
+    EXPECT_EQ(owner.Count("answered"), 1);
+    EXPECT_EQ(Asked("lineGetID"), 1);
+}
+
+TEST_F(TapiAnswer, AServiceThatDiesLeavesNoLineWaiting) {
+    StartAnswering();
+    ExchangeFail("lineGetMessage", TapiError(LINEERR_NODRIVER), INFINITE);
+    ExchangeSendMessage(dataLine, LINE_REQUEST, 0, 0, 0);
+    EXPECT_TRUE(host::PumpUntil([this] { return !app->IsAnswering() && Held().lines == 0; }));
+    EXPECT_FALSE(app->SetAnswer(true, dataLine)) << "nobody would hear a call";
+    EXPECT_EQ(Held().lines, 0U);
 }
 
 } // namespace

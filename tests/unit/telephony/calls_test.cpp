@@ -238,9 +238,55 @@ TEST_F(TapiCalls, AServiceThatFallsSilentEndsTheDial) {
     EXPECT_FALSE(app->Dial(dataLine, "5553", 0));
     EXPECT_EQ(app->LastError(), "Connection unavailable");
     EXPECT_EQ(Held().lines, 0U);
-    EXPECT_FALSE(app->Dial(dataLine, "5552", 0)) << "rings for ever";
+}
+
+TEST_F(TapiCalls, AFarEndThatRingsIsNoSilence) {
+    TapiLimits limits;
+    limits.silence = 200;
+    Start(limits);
+    DWORD gone = 0;
+    const host::Clock clock;
+    const auto end = host::When([&] { return clock.Gone() > 800; },
+                                [&] {
+                                    gone = clock.Gone();
+                                    app->HangUp();
+                                });
+    EXPECT_FALSE(app->Dial(dataLine, "5552", 0));
+    EXPECT_GT(gone, 0U) << "it rang until then";
+    EXPECT_EQ(Held().calls, 0U);
+}
+
+TEST_F(TapiCalls, ADropThatIsNeverDoneEndsTheDial) {
+    TapiLimits limits;
+    limits.silence = 200;
+    Start(limits);
+    const host::Clock clock;
+    EXPECT_FALSE(DialAndMeanwhile([&] {
+        ExchangeSetPace(60000); // idle is far
+        EXPECT_TRUE(app->HangUp());
+    }));
+    EXPECT_LT(clock.Gone(), 5000U);
     EXPECT_EQ(app->LastError(), "Connection unavailable");
-    EXPECT_EQ(Held().calls, 0U) << "dropped";
+    EXPECT_EQ(Held().lines + Held().calls, 0U);
+}
+
+TEST_F(TapiCalls, ConnectedAfterTheDropIsNotConnected) {
+    Start();
+    EXPECT_FALSE(DialAndMeanwhile([&] {
+        ExchangeSetPace(200);
+        EXPECT_TRUE(app->HangUp());
+        ExchangeSendMessage(dataLine, LINE_CALLSTATE, LINECALLSTATE_CONNECTED, 0, 0);
+    }));
+    EXPECT_EQ(Logged("LINE_CALLSTATE  Connected"), 1);
+    EXPECT_EQ(Held().lines + Held().calls, 0U);
+}
+
+TEST_F(TapiCalls, ALineThatTheServiceClosesEndsTheDial) {
+    Start();
+    EXPECT_FALSE(DialAndMeanwhile([] { ExchangeSendMessage(dataLine, LINE_CLOSE, 0, 0, 0); }));
+    EXPECT_EQ(app->LastError(), "Connection unavailable");
+    EXPECT_EQ(Logged("LINE_CLOSE"), 1);
+    EXPECT_EQ(Held().lines + Held().calls, 0U);
 }
 
 TEST_F(TapiCalls, AServiceThatDiesEndsTheDial) {

@@ -285,4 +285,49 @@ TEST_F(ControlAnswer, TheControlGoesDuringACall) {
     EXPECT_EQ(Holdings().calls, 0U);
 }
 
+TEST_F(ControlAnswer, AfterAFailedReopeningItCanBeTriedAgain) {
+    AnswerACall();
+    ExchangeFail("lineOpenA", allocated, 1);
+    ExchangeFarHangUp(alphaLine, LINEDISCONNECTMODE_NORMAL);
+    EXPECT_TRUE(host::PumpUntil([&] { return !phone->Is(&ITarnComm::get_AnswerCalls); }));
+    EXPECT_EQ(Holdings().lines, 0U);
+    phone->Answer(false);
+    phone->Answer(true);
+    EXPECT_TRUE(phone->Is(&ITarnComm::get_AnswerCalls));
+    phone->ear.heard.clear();
+    ASSERT_NE(ExchangeRing(alphaLine), 0U);
+    EXPECT_TRUE(phone->Hears("CarrierChanged"));
+}
+
+TEST_F(ControlAnswer, HangUpOfAWaitingLineTurnsItOff) {
+    StartAnswering();
+    EXPECT_TRUE(phone->Is(&ITarnComm::get_HangUp));
+    EXPECT_FALSE(phone->Is(&ITarnComm::get_AnswerCalls));
+    EXPECT_EQ(Holdings().lines, 0U);
+    phone->Answer(true);
+    EXPECT_TRUE(phone->Is(&ITarnComm::get_AnswerCalls));
+    EXPECT_EQ(Holdings().lines, 1U);
+}
+
+TEST_F(ControlAnswer, APlainPortMakesRoomForACall) {
+    StartAnswering();
+    phone->UseLine("COM6");
+    ASSERT_EQ(phone->control->put_PortOpen(VARIANT_TRUE), S_OK);
+    ASSERT_EQ(OpenDevices(), 1);
+    ASSERT_NE(ExchangeRing(alphaLine), 0U);
+    EXPECT_TRUE(phone->Hears("NewConnection"));
+    EXPECT_EQ(OpenDevices(), 1) << "that of the call";
+}
+
+TEST_F(ControlAnswer, ACallWithoutDataIsNotTold) {
+    StartAnswering();
+    ExchangeFail("lineGetIDA", Error(LINEERR_OPERATIONUNAVAIL), 1);
+    ASSERT_NE(ExchangeRing(alphaLine), 0U);
+    EXPECT_TRUE(IsReopened()) << "for the next";
+    EXPECT_EQ(Asked("lineDrop"), 1);
+    EXPECT_EQ(phone->ear.Count("NewConnection") + phone->ear.Count("CarrierChanged"), 0);
+    ASSERT_NE(ExchangeRing(alphaLine), 0U);
+    EXPECT_TRUE(phone->Hears("NewConnection"));
+}
+
 } // namespace

@@ -245,6 +245,19 @@ TEST_F(ControlRows, ConfigIsTextOfTheLinesSettings) {
     EXPECT_EQ(phone->Text(&ITarnComm::get_Config), "PPAA");
 }
 
+TEST_F(ControlRows, AnEmptyConfigIsGivenToTheService) {
+    constexpr BYTE settings[] = {0x75};
+    for (const wchar_t* text : {L"", L"B"}) {
+        ExchangeSetDeviceConfig(alphaLine, settings, sizeof settings);
+        StartAtAlpha();
+        ExchangeClearRecord();
+        EXPECT_EQ(phone->control->put_Config(_bstr_t(text)), S_OK);
+        EXPECT_EQ(Asked("lineSetDevConfig device=0 class=COMM size=0"), 1) << RecordText();
+        EXPECT_EQ(phone->Text(&ITarnComm::get_Config), "");
+        phone.reset();
+    }
+}
+
 TEST_F(ControlRows, ConfigOfOtherPortsIsNull) {
     for (const char* port : {"COM5", "Desk Set", "No such line"}) {
         Start().UseLine(port);

@@ -88,6 +88,34 @@ TEST_F(TapiLines, FindsAModemByItsNameCaseAside) {
         EXPECT_EQ(app->FindModem(name), line) << (name ? name : "null");
 }
 
+// As much of a name as a control keeps is the whole of it.
+TEST_F(TapiLines, LongNamesAreComparedAsFarAsAControlKeepsThem) {
+    const std::string kept(99, 'm');
+    ExchangeAddLine((kept + "ore").c_str(), "", LINEMEDIAMODE_DATAMODEM, "103", nullptr);
+    Start();
+    const std::pair<std::string, int> rows[] = {
+        {kept + "ore", 3},
+        {kept, 3},
+        {std::string(99, 'M'), 3},
+        {kept + "any", 3},
+        {std::string(98, 'm'), noLine},
+        {std::string(98, 'm') + "x", noLine},
+    };
+    for (const auto& [name, line] : rows)
+        EXPECT_EQ(app->FindModem(name.c_str()), line) << name;
+}
+
+TEST_F(TapiLines, AFailingConfigDialogIsLogged) {
+    Start();
+    app->ConfigDialog(dataLine, nullptr);
+    EXPECT_EQ(Logged("lineConfigDialog"), 0);
+    ExchangeFail("lineConfigDialogA", TapiError(LINEERR_OPERATIONFAILED), 1);
+    app->ConfigDialog(dataLine, nullptr);
+    const std::string line =
+        "lineConfigDialog returned " + std::to_string(TapiError(LINEERR_OPERATIONFAILED));
+    EXPECT_EQ(Logged(line), 1) << logfiles::Messages();
+}
+
 TEST_F(TapiLines, TheConfigDialogIsThatOfThePort) {
     Start();
     app->ConfigDialog(otherLine, GetDesktopWindow());

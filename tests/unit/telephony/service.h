@@ -17,7 +17,7 @@ inline const TapiService& Service() {
             const FARPROC address = GetProcAddress(module, name);
             std::memcpy(&function, &address, sizeof function);
         };
-#define TARN_BIND(name) bind(#name, bound.name);
+#define TARN_BIND(name) bind(#name, bound.name.function);
         TARN_TAPI_FUNCTIONS(TARN_BIND)
 #undef TARN_BIND
         return bound;

@@ -239,12 +239,20 @@ TEST_F(TapiThread, AServiceThatClosesTheLineIsNotCleanedUpAfter) {
     EXPECT_EQ(Asked("lineClose"), 0);
 }
 
-TEST_F(TapiThread, AFailedReplyHangsUp) {
+TEST_F(TapiThread, AReplyToNobodysRequestIsNothing) {
     StartAnswering();
-    ExchangeSendMessage(dataLine, LINE_REPLY, 1, failedReply, 0);
-    EXPECT_TRUE(PumpUntilHeard("disconnected"));
-    EXPECT_TRUE(host::PumpUntil([] { return Held().lines == 0; }));
-    EXPECT_EQ(app->LastError(), "Canceled");
+    ExchangeSendMessage(dataLine, LINE_REPLY, 0x7FFFFFFF, failedReply, 0);
+    EXPECT_TRUE(host::PumpUntil([] { return Logged("LINE_REPLY") == 1; }));
+    EXPECT_EQ(owner.Events(), std::vector<std::string>{});
+    EXPECT_EQ(Held().lines, 1U);
+}
+
+TEST_F(TapiThread, AQueueThatSeemsEmptyIsLookedAtAgain) {
+    StartAnswering();
+    ExchangeFail("lineGetMessage", TapiError(LINEERR_OPERATIONFAILED), 1);
+    ExchangeSendMessage(dataLine, LINE_REQUEST, 0, 0, 0);
+    EXPECT_TRUE(host::PumpUntil([] { return Logged("LINE_REQUEST") == 1; }));
+    EXPECT_EQ(Logged("lineGetMessage returned error"), 0);
 }
 
 } // namespace
