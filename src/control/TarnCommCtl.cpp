@@ -1,12 +1,17 @@
 #include "TarnCommCtl.h"
 
+#include "commands.h"
 #include "objectaccess.h"
 #include "scriptextension.h"
+#include "statusbar.h"
 #include "TarnComm.h"
+#include "terminal/gdi.h"
+#include "toolbar.h"
 
 #include <commctrl.h>
 #include <olectl.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
@@ -15,7 +20,8 @@ namespace {
 
 constexpr DWORD miscStatus = 131473;
 constexpr UINT_PTR commWindowHook = 1;
-constexpr int commandOfCommObject = 0; // the identifier of the control's child
+constexpr int commandOfCommObject = 0;   // the identifier of the control's child
+constexpr WORD commandFromCode = 0xFFFF; // in place of a notification, as DoCommand
 
 const ControlFacts facts = {&CLSID_TarnComm, L"Tarn Link Objects", &DIID__ITarnCommEvents, ControlWindowClass,
                             miscStatus};
@@ -27,6 +33,16 @@ const ControlFacts facts = {&CLSID_TarnComm, L"Tarn Link Objects", &DIID__ITarnC
     },
     [](const CTarnCommCtl& control) { return control.IsConnected(); },
 });
+
+int HeightOf(HWND bar) {
+    return bar ? static_cast<int>(OuterSize(bar).cy) : 0;
+}
+
+void PlaceBar(HWND bar, const RECT& place, bool visible) {
+    const UINT shown = visible ? SWP_SHOWWINDOW : SWP_HIDEWINDOW;
+    SetWindowPos(bar, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE | shown);
+}
 
 } // namespace
 
@@ -120,20 +136,18 @@ void CTarnCommCtl::DropWindowObject() {
 // The control's window is there. What the host talked to so far goes, with its port; the cached values stay.
 bool CTarnCommCtl::OnWindowCreated() {
     DropInvisibleObject();
-    RECT client = {};
-    GetClientRect(Window(), &client);
     m_hWndComm = CreateCommObject(Window());
     if (!m_hWndComm)
         return false;
     SetWindowLongPtrA(m_hWndComm, GWLP_ID, commandOfCommObject);
     SetWindowSubclass(m_hWndComm, CommWindowProc, commWindowHook, reinterpret_cast<DWORD_PTR>(this));
-    SetWindowPos(m_hWndComm, nullptr, 0, 0, client.right, client.bottom, SWP_NOZORDER | SWP_NOACTIVATE);
     OutputDebugStringA("Comm Control Created\n");
-    UpdateStatus();
+    m_hWndToolbar = CreateToolbar(Window());
+    m_hWndStatusbar = CreateStatusBar(Window());
+    Layout();
     ApplyProperties();
     ShowWindow(m_hWndComm, SW_SHOWNA); // its first event, in which the host may destroy the window
     SetBorder();
-    Layout();
     m_bCreated = m_hWndComm != nullptr;
     return m_bCreated;
 }
@@ -141,6 +155,8 @@ bool CTarnCommCtl::OnWindowCreated() {
 void CTarnCommCtl::OnWindowDestroyed() {
     m_bCreated = false;
     CloseDialog();
+    m_hWndToolbar = nullptr; // they go with the window
+    m_hWndStatusbar = nullptr;
     DropWindowObject();
 }
 
@@ -148,15 +164,21 @@ bool CTarnCommCtl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT
     result = 0;
     switch (message) {
     case WM_COMMAND:
-        if (LOWORD(wParam) != commandOfCommObject ||
-            LOWORD(lParam) != LOWORD(reinterpret_cast<UINT_PTR>(m_hWndComm)))
-            return false;
-        FireCommEvent(GetLastCommEvent(m_hWndComm));
-        return true;
+        return TakeCommand(wParam, lParam);
+    case WM_NOTIFY:
+        return AnswerToolbar(m_hWndToolbar, *reinterpret_cast<NMHDR*>(lParam), result);
+    case WM_PARENTNOTIFY:
+        if (LOWORD(wParam) == WM_DESTROY)
+            ForgetChild(reinterpret_cast<HWND>(lParam));
+        return false;
+    case WM_SYSCOLORCHANGE:
+        SendMessageA(m_hWndToolbar, message, wParam, lParam);
+        SendMessageA(m_hWndStatusbar, message, wParam, lParam);
+        return false;
     case WM_SIZE:
         Layout();
         return false;
-    case WM_PAINT: // the comm object covers all of it
+    case WM_PAINT: // the comm object and the bars cover all of it
         ValidateRect(Window(), nullptr);
         return true;
     case WM_SETFOCUS:
@@ -166,6 +188,28 @@ bool CTarnCommCtl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT
     default:
         return false;
     }
+}
+
+// Of the comm object or of a button.
+bool CTarnCommCtl::TakeCommand(WPARAM wParam, LPARAM lParam) {
+    if (LOWORD(wParam) == commandOfCommObject) {
+        if (LOWORD(lParam) != LOWORD(reinterpret_cast<UINT_PTR>(m_hWndComm)))
+            return false;
+        FireCommEvent(GetLastCommEvent(m_hWndComm));
+        return true;
+    }
+    const ControlCommand* command = CommandOfButton(LOWORD(wParam));
+    if (!command)
+        return false;
+    RunCommand(*this, *command, HIWORD(wParam) == commandFromCode ? GivenBy::Code : GivenBy::User);
+    return true;
+}
+
+// Somebody may destroy a bar behind the control's back.
+void CTarnCommCtl::ForgetChild(HWND child) {
+    for (HWND* bar : {&m_hWndToolbar, &m_hWndStatusbar})
+        if (*bar == child)
+            *bar = nullptr;
 }
 
 LRESULT CALLBACK CTarnCommCtl::CommWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
@@ -188,16 +232,34 @@ LRESULT CALLBACK CTarnCommCtl::CommWindowProc(HWND window, UINT message, WPARAM 
     return isAnswered ? result : DefSubclassProc(window, message, wParam, lParam);
 }
 
-// The terminal takes the whole of the control.
+// The terminal takes what the bars leave.
 void CTarnCommCtl::Layout() {
     RECT client = {};
     GetClientRect(Window(), &client);
-    SetWindowPos(m_hWndComm, nullptr, 0, 0, client.right, client.bottom, SWP_NOZORDER | SWP_NOACTIVATE);
+    const bool hasToolbar = m_hWndToolbar && m_Properties.m_bToolbarVisible;
+    const bool hasStatusbar = m_hWndStatusbar && m_Properties.m_bStatusbarVisible;
+    const int statusHeight = HeightOf(m_hWndStatusbar);
+    const int top = hasToolbar ? toolbarHeight : 0;
+    const int bottom = std::max<int>(client.bottom - (hasStatusbar ? statusHeight : 0), top);
+    SetWindowPos(m_hWndComm, nullptr, 0, top, client.right, bottom - top, SWP_NOZORDER | SWP_NOACTIVATE);
+    PlaceBar(m_hWndStatusbar, {0, bottom, client.right, bottom + statusHeight}, hasStatusbar);
+    PlaceBar(m_hWndToolbar, {0, 0, client.right, toolbarHeight}, hasToolbar);
     UpdateStatus();
 }
 
-// The bars that show the status are not there yet.
-void CTarnCommCtl::UpdateStatus() {}
+void CTarnCommCtl::UpdateStatus() {
+    if (!Window())
+        return;
+    if (m_hWndStatusbar)
+        ShowStatus(m_hWndStatusbar, ClientSize(Window()).cx, m_Properties.m_sPortStatus.c_str(),
+                   m_Properties.m_szPort);
+    if (!m_hWndToolbar)
+        return;
+    const bool open = GetPortOpen(CommObject()) != 0;
+    ShowConnection(m_hWndToolbar, open          ? Connection::Open
+                                  : m_bTapiCall ? Connection::Dialling
+                                                : Connection::Closed);
+}
 
 // Some bits of the plain style become bits of the extended one; kept so, see the tests.
 void CTarnCommCtl::SetBorder() {

@@ -68,8 +68,12 @@ class CTarnCommCtl final
 
     // Copies all cached values into the comm object.
     void ApplyProperties();
+    // What the bars show, and which buttons can be pressed.
     void UpdateStatus();
     void SetWireTapFlags();
+
+    // The dialog for port and number. True: the user confirmed, and the properties are set.
+    bool ChooseConnection();
 
     // Sets the thread's error record and gives the code back.
     HRESULT ReportError(HRESULT code, const char* message) const;
@@ -314,6 +318,9 @@ class CTarnCommCtl final
     void PassParityReplace();
     void PassFont();
     void Layout();
+    HRESULT ShowBar(int ControlProperties::*flag, VARIANT_BOOL value);
+    bool TakeCommand(WPARAM wParam, LPARAM lParam);
+    void ForgetChild(HWND child);
     void SetBorder();
     HRESULT HostInputText(short maximum, bool password, BSTR* result);
     LONG WaitForLookUp();
@@ -328,7 +335,6 @@ class CTarnCommCtl final
     bool HasOtherDevice() const;
     void TakeCallDevice(HANDLE hComm);
     ULONG References();
-    bool ChooseConnection();
     void CloseDialog();
 
     // Messages of the comm object's window, before it has them. True: answered by result.
@@ -338,6 +344,8 @@ class CTarnCommCtl final
 
     ControlProperties m_Properties;
     HWND m_hWndComm = nullptr; // child of the control's window
+    HWND m_hWndToolbar = nullptr;
+    HWND m_hWndStatusbar = nullptr;
     HWND m_hWndNonVisibleControl = nullptr;
     bool m_bCreated = false;
     bool m_bLoading = false;                     // a stream or a bag is being read

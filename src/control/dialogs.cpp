@@ -31,6 +31,8 @@ void Apply(CTarnCommCtl& control, const ConnectionChoice& choice, const Connecti
 
 // The dialog goes with what it is about, though the window that it stands over may stay.
 bool CTarnCommCtl::ChooseConnection() {
+    if (m_pDialog)
+        return false; // one at a time
     const ConnectionChoice before = ChoiceOf(CommObject(), m_Properties);
     ConnectionChoice choice = before;
     const ComPtr<CCommPort> ports = m_pCommPorts;

@@ -175,7 +175,7 @@ STDMETHODIMP CTarnCommCtl::put_CaptureFilename(BSTR value) {
     });
 }
 
-// The bars are not there yet: the flags are kept, and not logged.
+// Not logged.
 #define BAR(name)                                                                                            \
     STDMETHODIMP CTarnCommCtl::get_##name(VARIANT_BOOL* value) {                                             \
         if (!value)                                                                                          \
@@ -184,14 +184,24 @@ STDMETHODIMP CTarnCommCtl::put_CaptureFilename(BSTR value) {
         return S_OK;                                                                                         \
     }                                                                                                        \
     STDMETHODIMP CTarnCommCtl::put_##name(VARIANT_BOOL value) {                                              \
-        m_Properties.m_b##name = value;                                                                      \
-        return S_OK;                                                                                         \
+        return ShowBar(&ControlProperties::m_b##name, value);                                                \
     }
 
 BAR(ToolbarVisible)
 BAR(StatusbarVisible)
 
 #undef BAR
+
+HRESULT CTarnCommCtl::ShowBar(int ControlProperties::*flag, VARIANT_BOOL value) {
+    return Body([&] {
+        if ((m_Properties.*flag != 0) == (value != VARIANT_FALSE))
+            return S_OK;
+        m_Properties.*flag = value;
+        if (Window())
+            Layout();
+        return S_OK;
+    });
+}
 
 STDMETHODIMP CTarnCommCtl::put_BorderStyle(CommBorderStyle value) {
     return Body([&] {

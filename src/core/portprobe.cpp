@@ -8,5 +8,6 @@ PortProbe ProbePort(const char* szPort) {
     DWORD size = sizeof config;
     if (!szPort || !GetDefaultCommConfigA(szPort, &config, &size))
         return {false, PortKind::Unknown};
-    return {true, KindOfProvider(config.dwProviderSubType)};
+    const DCB& dcb = config.dcb;
+    return {true, KindOfProvider(config.dwProviderSubType), {dcb.BaudRate, dcb.ByteSize, dcb.Parity}};
 }

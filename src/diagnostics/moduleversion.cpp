@@ -9,36 +9,55 @@ namespace {
 
 constexpr char moduleName[] = "Lantry.OCX";
 
-bool ReadFileVersion(const char* szFile, VS_FIXEDFILEINFO& version) {
-    DWORD ignored = 0;
-    const DWORD size = GetFileVersionInfoSizeA(szFile, &ignored);
-    if (!size)
-        return false;
-    std::vector<char> block(size);
-    if (!GetFileVersionInfoA(szFile, 0, size, block.data()))
-        return false;
-    void* found = nullptr;
-    UINT length = 0;
-    if (!VerQueryValueA(block.data(), "\\", &found, &length) || length < sizeof version)
-        return false;
-    version = *static_cast<const VS_FIXEDFILEINFO*>(found);
-    return true;
+FileVersion PartsOf(const VS_FIXEDFILEINFO& info) {
+    return {HIWORD(info.dwFileVersionMS), LOWORD(info.dwFileVersionMS), HIWORD(info.dwFileVersionLS),
+            LOWORD(info.dwFileVersionLS)};
 }
 
-} // namespace
-
-std::string VersionBanner() {
+// Nothing as well if no module of that name is loaded.
+std::optional<FileVersion> VersionOfModule() {
     const HMODULE module = GetModuleHandleA(moduleName);
     if (!module)
         return {};
     char file[MAX_PATH] = {};
     const DWORD length = GetModuleFileNameA(module, file, MAX_PATH);
-    VS_FIXEDFILEINFO version = {};
-    if (!length || length >= MAX_PATH || !ReadFileVersion(file, version))
+    return length && length < MAX_PATH ? VersionOfFile(file) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<FileVersion> VersionOfFile(const char* szFile) {
+    DWORD ignored = 0;
+    const DWORD size = GetFileVersionInfoSizeA(szFile, &ignored);
+    if (!size)
         return {};
+    std::vector<char> block(size);
+    if (!GetFileVersionInfoA(szFile, 0, size, block.data()))
+        return {};
+    void* found = nullptr;
+    UINT length = 0;
+    if (!VerQueryValueA(block.data(), "\\", &found, &length) || length < sizeof(VS_FIXEDFILEINFO))
+        return {};
+    return PartsOf(*static_cast<const VS_FIXEDFILEINFO*>(found));
+}
+
+std::string VersionBanner() {
+    const auto version = VersionOfModule();
+    if (!version)
+        return {};
+    const auto [major, minor, revision, build] = *version;
     char banner[96];
-    std::snprintf(banner, sizeof banner, "Tarn Link Objects %d.%d.%d.%d WireTap Log Started\r\n",
-                  HIWORD(version.dwFileVersionMS), LOWORD(version.dwFileVersionMS),
-                  HIWORD(version.dwFileVersionLS), LOWORD(version.dwFileVersionLS));
+    std::snprintf(banner, sizeof banner, "Tarn Link Objects %d.%d.%d.%d WireTap Log Started\r\n", major,
+                  minor, revision, build);
     return banner;
+}
+
+std::string VersionLine() {
+    const auto version = VersionOfModule();
+    if (!version)
+        return {};
+    const auto [major, minor, revision, build] = *version;
+    char line[48];
+    std::snprintf(line, sizeof line, "Version %d.%d Build %d", major, minor, build);
+    return line;
 }

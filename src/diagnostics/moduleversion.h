@@ -1,8 +1,18 @@
-// The version of the module as its file tells it.
+// The version of a module as its file tells it.
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
+
+using FileVersion = std::array<int, 4>;
+
+// Nothing: the file has none, or can't be read.
+std::optional<FileVersion> VersionOfFile(const char* szFile);
 
 // The banner of the log with the module's file version, or nothing if no module of that name is loaded or its
 // version can't be read.
 std::string VersionBanner();
+
+// "Version 1.2 Build 4", or nothing in the same cases.
+std::string VersionLine();

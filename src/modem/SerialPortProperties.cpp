@@ -1,7 +1,7 @@
 #include "SerialPortProperties.h"
 
 #include "connectiondialogs.h"
-#include "dialogitems.h"
+#include "core/dialogitems.h"
 #include "TarnComm.h"
 
 #include <commctrl.h>

@@ -1,8 +1,8 @@
 // CSerialPortProperties: the settings of a line and its flow control.
 #pragma once
 
-#include "dialogrows.h"
-#include "mydialog.h"
+#include "core/dialogrows.h"
+#include "core/mydialog.h"
 
 #include <string>
 

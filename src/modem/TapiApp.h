@@ -67,6 +67,8 @@ class CTapiApp {
     std::string GetModemName(DWORD device) const;
     // False if the line takes no data calls; then the texts are empty.
     bool GetModemName(DWORD device, std::string& name, std::string& provider, DWORD& permanentId) const;
+    // Bits per second; 0 if the line takes no data calls.
+    DWORD GetMaximumSpeed(DWORD device) const;
     // The line with this name, case aside, or noLine.
     int FindModem(const char* szName) const;
     // The service's own dialog for the line's settings.

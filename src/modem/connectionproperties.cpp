@@ -1,7 +1,7 @@
 #include "connectionproperties.h"
 
 #include "connectiondialogs.h"
-#include "dialogitems.h"
+#include "core/dialogitems.h"
 #include "SerialPortProperties.h"
 
 #include <commctrl.h>

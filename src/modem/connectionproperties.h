@@ -2,8 +2,8 @@
 #pragma once
 
 #include "connectionchoice.h"
-#include "dialogrows.h"
-#include "mydialog.h"
+#include "core/dialogrows.h"
+#include "core/mydialog.h"
 #include "phonenumber.h"
 #include "TapiApp.h"
 

@@ -2,7 +2,7 @@
 // whose message loop serves it, and is closed by whoever opened it: Cancel only asks for the end.
 #pragma once
 
-#include "mydialog.h"
+#include "core/mydialog.h"
 
 #include <functional>
 

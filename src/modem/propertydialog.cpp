@@ -1,7 +1,7 @@
 #include "propertydialog.h"
 
 #include "connectiondialogs.h"
-#include "dialogitems.h"
+#include "core/dialogitems.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "connectionchoice.h"
-#include "mydialog.h"
+#include "core/mydialog.h"
 #include "TapiApp.h"
 
 class CPropertyDialog final : public CMyDialog {

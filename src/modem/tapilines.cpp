@@ -100,6 +100,15 @@ bool CTapiApp::GetModemName(DWORD device, std::string& name, std::string& provid
     });
 }
 
+DWORD CTapiApp::GetMaximumSpeed(DWORD device) const {
+    return BehindWall("GetMaximumSpeed", [&]() -> DWORD {
+        if (bDisabled)
+            return 0;
+        const auto caps = CapsOf(*pService, hLineApp, device, NegotiateVersion(device));
+        return TakesData(caps) ? (*caps)->dwMaxRate : 0;
+    });
+}
+
 // No line is found by no name: lines that take no data have none.
 int CTapiApp::FindModem(const char* szName) const {
     const DWORD found = BehindWall("FindModem", [&]() -> DWORD {

@@ -2,6 +2,10 @@
 #include "com/classfactory.h"
 #include "com/modulefile.h"
 #include "com/registration.h"
+#include "control/PropAbout.h"
+#include "control/PropCommunications.h"
+#include "control/PropTerminal.h"
+#include "control/PropWireTap.h"
 #include "control/TarnCommCtl.h"
 
 #include <olectl.h>
@@ -11,6 +15,10 @@ namespace {
 // What a host can make. The script extension comes from its control only.
 constexpr ClassRow classes[] = {
     {&CLSID_TarnComm, CreateClass<CTarnCommCtl>},
+    {&CLSID_PropCommunications, CreateClass<CPropCommunications>},
+    {&CLSID_PropTerminal, CreateClass<CPropTerminal>},
+    {&CLSID_PropWireTap, CreateClass<CPropWireTap>},
+    {&CLSID_PropAbout, CreateClass<CPropAbout>},
 };
 
 constexpr CoclassRegistration registrations[] = {
@@ -20,6 +28,10 @@ constexpr CoclassRegistration registrations[] = {
      .isControl = true,
      .miscStatus = L"131473",
      .toolboxBitmap = L"101"},
+    {.id = &CLSID_PropCommunications, .name = L"Communications property page"},
+    {.id = &CLSID_PropTerminal, .name = L"Terminal property page"},
+    {.id = &CLSID_PropWireTap, .name = L"WireTap property page"},
+    {.id = &CLSID_PropAbout, .name = L"About property page"},
 };
 
 ModuleRegistration ThisModule() {

@@ -1,32 +1,9 @@
 #include "clipboard.h"
 
-#include "core/handle.h"
+#include "openclipboard.h"
 #include "selection.h"
 
 namespace {
-
-struct SharedMemoryPolicy {
-    using Value = HGLOBAL;
-    static Value Invalid() { return nullptr; }
-    static void Close(Value value) { GlobalFree(value); }
-};
-
-using SharedMemory = UniqueHandle<SharedMemoryPolicy>;
-
-class OpenedClipboard {
-  public:
-    explicit OpenedClipboard(HWND hWnd) : isOpen_(OpenClipboard(hWnd)) {}
-    ~OpenedClipboard() {
-        if (isOpen_)
-            CloseClipboard();
-    }
-    OpenedClipboard(const OpenedClipboard&) = delete;
-    OpenedClipboard& operator=(const OpenedClipboard&) = delete;
-    bool IsOpen() const { return isOpen_; }
-
-  private:
-    bool isOpen_;
-};
 
 SharedMemory SelectionMemory(const COMCTL& record) {
     const size_t size = SelectionTextRoom(record);

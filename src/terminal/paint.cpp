@@ -2,6 +2,8 @@
 
 #include "caret.h"
 #include "colors.h"
+#include "core/comobject.h"
+#include "core/moduleicon.h"
 #include "gdi.h"
 #include "measure.h"
 #include "picture.h"
@@ -122,8 +124,14 @@ void PaintWhite(const Canvas& canvas) {
     FillRect(canvas.dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
 }
 
+// The module's own, or the system's where this code stands in a program that has none.
+HICON IconOfModule() {
+    const HICON icon = LoadIconA(ThisModule(), MAKEINTRESOURCEA(ModuleIcon));
+    return icon ? icon : LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_APPLICATION));
+}
+
 void PaintIcon(HDC dc) {
-    DrawIcon(dc, 0, 0, LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_APPLICATION)));
+    DrawIcon(dc, 0, 0, IconOfModule());
 }
 
 // What lies in a rectangle of the window.

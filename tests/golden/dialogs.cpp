@@ -1,5 +1,6 @@
 // Stores what the module's dialogs look like: dialogs FOLDER
 #include "bitmap.h"
+#include "dialogstore.h"
 
 #include "core/comctl.h"
 #include "modem/connectiondialogs.h"
@@ -9,7 +10,10 @@
 #include "modem/SerialPortProperties.h"
 #include "support/host.h"
 #include "support/nocalls.h"
+#include "transfer/receivefiledialog.h"
+#include "transfer/sendfiledialog.h"
 #include "transfer/statusdialog.h"
+#include "troubleshooterscenes.h"
 #include "unit/dialogs/doubles.h"
 
 #include <commctrl.h>
@@ -24,36 +28,6 @@ struct WindowCloser {
     void operator()(HWND hWnd) const { DestroyWindow(hWnd); }
 };
 using Window = std::unique_ptr<HWND, WindowCloser>;
-
-constexpr int shownFrame = 2; // of the animation
-
-Bitmap PictureOf(HWND hDlg) {
-    RECT client = {};
-    GetClientRect(hDlg, &client);
-    Bitmap picture({client.right, client.bottom});
-    const HDC dc = GetDC(hDlg);
-    BitBlt(picture.Context(), 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
-    ReleaseDC(hDlg, dc);
-    return picture;
-}
-
-// The picture once it stays the same, with the animation held and nothing that has the focus.
-bool Store(HWND hDlg, const std::string& path) {
-    constexpr int quietTurns = 20; // of the message loop, some 2 ms each
-    SendDlgItemMessageA(hDlg, Item_Animation, ACM_STOP, 0, 0);
-    SendDlgItemMessageA(hDlg, Item_Animation, ACM_PLAY, 1, MAKELPARAM(shownFrame, shownFrame));
-    SetFocus(nullptr);
-    SetWindowPos(hDlg, nullptr, 8, 8, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    Bitmap before = PictureOf(hDlg);
-    int quiet = 0;
-    const bool still = host::PumpUntil([&] {
-        Bitmap now = PictureOf(hDlg);
-        quiet = now.Differences(before) ? 0 : quiet + 1;
-        before = std::move(now);
-        return quiet >= quietTurns;
-    });
-    return still && before.Save(path);
-}
 
 struct Scene {
     const char* name;
@@ -103,7 +77,7 @@ bool Play(const Scene& scene, const std::string& path) {
     return dialog.get() && Store(dialog.get(), path);
 }
 
-// The connection dialogs
+// The connection dialogs, and those of files to send and receive
 
 constexpr char modem[] = "R&D's Fast Modem V.92";
 
@@ -150,6 +124,16 @@ bool StoreDialled(CTapiApp& tapi, const std::string& path) {
     return StoreOpen(dialog, path);
 }
 
+bool StoreSendFile(CTapiApp&, const std::string& path) {
+    CSendFileDialog dialog(nullptr, TARN_PROTOCOL_YMODEM_G, "C:\\R&D\\a report of the year.txt");
+    return StoreOpen(dialog, path);
+}
+
+bool StoreReceiveFile(CTapiApp&, const std::string& path) {
+    CReceiveFileDialog dialog(nullptr, TARN_PROTOCOL_ZMODEM, "C:\\R&D");
+    return StoreOpen(dialog, path);
+}
+
 struct ConnectionScene {
     const char* name;
     bool (*store)(CTapiApp& tapi, const std::string& path);
@@ -162,6 +146,8 @@ constexpr ConnectionScene connectionScenes[] = {
     {"serial-port", StoreSerialPort},
     {"property-direct", StoreDirect},
     {"property-dial", StoreDialled},
+    {"send-file", StoreSendFile},
+    {"receive-file", StoreReceiveFile},
 };
 
 bool Play(const ConnectionScene& scene, const std::string& path) {
@@ -194,5 +180,6 @@ int main(int count, char** words) {
         return 2;
     const bool status = PlayAll(scenes, words[1]);
     const bool connection = PlayAll(connectionScenes, words[1]);
-    return status && connection ? 0 : 1;
+    const bool troubleshooter = PlayTroubleshooter(Store, words[1]);
+    return status && connection && troubleshooter ? 0 : 1;
 }

@@ -6,6 +6,8 @@
 #include "support/sinks.h"
 #include "TarnLink.h"
 
+#include <ocidl.h>
+
 using namespace host;
 using Microsoft::WRL::ComPtr;
 
@@ -76,6 +78,30 @@ TEST_F(ActivationTest, TheRegistryTellsWhatHostsAsk) {
     EXPECT_EQ(bitmap.bmWidth, 16);
     EXPECT_EQ(bitmap.bmHeight, 16);
     DeleteObject(picture);
+}
+
+TEST_F(ActivationTest, ThePropertyPagesAreMadeByTheirIdentifiers) {
+    const struct {
+        const CLSID& id;
+        const wchar_t* title;
+    } pages[] = {
+        {CLSID_PropCommunications, L"&Communications"},
+        {CLSID_PropTerminal, L"&Terminal"},
+        {CLSID_PropWireTap, L"&WireTap"},
+        {CLSID_PropAbout, L"&About"},
+    };
+    for (const auto& each : pages) {
+        SCOPED_TRACE(testing::PrintToString(each.title));
+        ComPtr<IPropertyPage> page;
+        ASSERT_EQ(CoCreateInstance(each.id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&page)), S_OK);
+        PROPPAGEINFO info = {};
+        info.cb = sizeof info;
+        ASSERT_EQ(page->GetPageInfo(&info), S_OK);
+        EXPECT_STREQ(info.pszTitle, each.title);
+        EXPECT_GT(info.size.cx, 0);
+        CoTaskMemFree(info.pszTitle);
+        CoTaskMemFree(info.pszDocString);
+    }
 }
 
 TEST_F(ActivationTest, RegistrationLeavesNothingBehind) {

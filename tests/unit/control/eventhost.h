@@ -67,6 +67,10 @@ inline std::string TextOf(const VARIANT& argument) {
         text << *V_I2REF(&argument);
     else if (V_VT(&argument) == (VT_R4 | VT_BYREF))
         text << *V_R4REF(&argument);
+    else if (V_VT(&argument) == VT_I4)
+        text << V_I4(&argument);
+    else if (V_VT(&argument) == (VT_BOOL | VT_BYREF))
+        text << (*V_BOOLREF(&argument) ? "True" : "False");
     else
         text << "type " << V_VT(&argument);
     return text.str();

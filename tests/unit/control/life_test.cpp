@@ -96,6 +96,8 @@ TEST_F(ControlLife, DrawsOutsideOfItsWindowToo) {
 }
 
 TEST_F(ControlLife, TheTerminalFillsTheControlAndIsShown) {
+    control->put_ToolbarVisible(VARIANT_FALSE);
+    control->put_StatusbarVisible(VARIANT_FALSE);
     ASSERT_EQ(container.Do(OLEIVERB_INPLACEACTIVATE), S_OK);
     EXPECT_EQ(ear.Count("Show"), 1);
     RECT all = {}, terminal = {};

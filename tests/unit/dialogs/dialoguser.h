@@ -1,8 +1,8 @@
 // A user at a dialog: reads what it shows, types, chooses, presses; all by messages.
 #pragma once
 
+#include "core/mydialog.h"
 #include "modem/connectiondialogs.h"
-#include "modem/mydialog.h"
 #include "support/every.h"
 #include "support/host.h"
 

@@ -1,8 +1,8 @@
 // The life of a dialog: how it ends, with and without its owner.
 #include "dialogtest.h"
 
+#include "core/dialogrows.h"
 #include "core/handle.h"
-#include "modem/dialogrows.h"
 
 #include <stdexcept>
 #include <thread>

@@ -115,6 +115,34 @@ const Form forms[] = {
       {"Stopbits:", 205},
       {"&Modem:", 202}},
      {249, 240, 201, 251, 203, 204, 205, 202, 1, 2}},
+    {"SendFile",
+     208,
+     "Send File",
+     {186, 95},
+     IDOK,
+     {{unnamed, "Static", "&Filename:"},
+      {100, "Edit", ""},
+      {244, "Button", "..."},
+      {unnamed, "Static", "&Protocol:"},
+      {243, "ComboBox", ""},
+      {1, "Button", "&Send"},
+      {2, "Button", "Cancel"}},
+     {{"&Filename:", 100}, {"&Protocol:", 243}},
+     {100, 244, 243, 1, 2}},
+    {"ReceiveFile",
+     209,
+     "Receive file",
+     {186, 95},
+     IDOK,
+     {{unnamed, "Static", "&Destination folder:"},
+      {245, "Edit", ""},
+      {244, "Button", "..."},
+      {unnamed, "Static", "&Protocol:"},
+      {243, "ComboBox", ""},
+      {1, "Button", "&Receive"},
+      {2, "Button", "Cancel"}},
+     {{"&Destination folder:", 245}, {"&Protocol:", 243}},
+     {245, 244, 243, 1, 2}},
 };
 
 INT_PTR CALLBACK AnswerNothing(HWND, UINT, WPARAM, LPARAM) {
@@ -354,6 +382,8 @@ TEST(ListKinds, SpeedsAloneCanBeTyped) {
                                {213, 203, CBS_DROPDOWNLIST},
                                {213, 204, CBS_DROPDOWNLIST},
                                {213, 205, CBS_DROPDOWNLIST},
+                               {208, 243, CBS_DROPDOWNLIST},
+                               {209, 243, CBS_DROPDOWNLIST},
                                {213, 251, CBS_DROPDOWN}}) {
         const Window form = MakeForm(row.form);
         const LONG style = StyleOf(GetDlgItem(form.get(), row.item));

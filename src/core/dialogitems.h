@@ -1,4 +1,4 @@
-// What the connection dialogs do with their controls.
+// What dialogs do with their controls.
 #pragma once
 
 #include <windows.h>

@@ -1,7 +1,7 @@
 #include "mydialog.h"
 
-#include "core/comobject.h"
-#include "core/wall.h"
+#include "comobject.h"
+#include "wall.h"
 
 #include <utility>
 

@@ -1,0 +1,60 @@
+// System information: the troubleshooter, with what it asks of this control.
+#include "ansi.h"
+#include "diagnostics/TroubleShootDialog.h"
+#include "TarnCommCtl.h"
+
+#include <comdef.h>
+
+namespace {
+
+class ControlReport final : public TroubleShootHost {
+  public:
+    explicit ControlReport(CTarnCommCtl& control) : control_(control) {}
+
+    std::vector<TroubleShootModem> Modems() override {
+        std::vector<TroubleShootModem> modems;
+        const CTapiApp& telephony = control_.Telephony();
+        for (DWORD device = 0; telephony.FindNextDataModem(device); ++device) {
+            TroubleShootModem modem = {"", "", telephony.GetMaximumSpeed(device)};
+            DWORD permanentId = 0;
+            telephony.GetModemName(device, modem.name, modem.provider, permanentId);
+            modems.push_back(std::move(modem));
+        }
+        return modems;
+    }
+
+    bool WireTap() override { return control_.Properties().m_bWireTap != 0; }
+    std::string CaptureFilename() override { return AnsiOf(control_.Properties().m_sCaptureFilename); }
+
+    void SetWireTap(bool on) override {
+        control_.put_WireTap(on ? VARIANT_TRUE : VARIANT_FALSE);
+        if (!on)
+            return;
+        for (const auto put : switches)
+            (control_.*put)(VARIANT_TRUE);
+    }
+
+    void SetCaptureFilename(const std::string& name) override {
+        control_.put_CaptureFilename(_bstr_t(WideOf(name).c_str()));
+    }
+
+  private:
+    using Switch = HRESULT (STDMETHODCALLTYPE CTarnCommCtl::*)(VARIANT_BOOL);
+    static constexpr Switch switches[] = {
+        &CTarnCommCtl::put_WireTapEvents,   &CTarnCommCtl::put_WireTapInput,
+        &CTarnCommCtl::put_WireTapOutput,   &CTarnCommCtl::put_WireTapProperties,
+        &CTarnCommCtl::put_WireTapTransfer, &CTarnCommCtl::put_WireTapWarnings,
+    };
+
+    CTarnCommCtl& control_;
+};
+
+} // namespace
+
+STDMETHODIMP CTarnCommCtl::ShowSysInfo() {
+    return Body([&] {
+        ControlReport report(*this);
+        CTroubleShootDialog(GetActiveWindow(), report).DoModal();
+        return S_OK;
+    });
+}

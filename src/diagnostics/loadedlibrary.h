@@ -1,0 +1,18 @@
+// The libraries of this process, as their files tell about them.
+#pragma once
+
+#include "moduleversion.h"
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+struct LoadedLibrary {
+    std::string path; // empty: it can't be read
+    std::optional<FileVersion> version;
+    std::optional<SYSTEMTIME> created; // local time
+};
+
+// Nothing: no library of that name is loaded.
+std::optional<LoadedLibrary> FindLoadedLibrary(const char* szName);
