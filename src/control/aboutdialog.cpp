@@ -13,7 +13,7 @@ bool CAboutDialog::OnInitDialog() {
 
 STDMETHODIMP CTarnCommCtl::About() {
     return Body([&]() -> HRESULT {
-        CAboutDialog(Window()).DoModal();
+        CAboutDialog(Window() ? Window() : GetActiveWindow()).DoModal();
         return S_OK;
     });
 }

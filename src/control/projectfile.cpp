@@ -3,6 +3,7 @@
 #include "ansi.h"
 #include "core/comobject.h"
 #include "inifile.h"
+#include "objectaccess.h"
 #include "TarnComm.h"
 #include "TarnCommCtl.h"
 
@@ -83,8 +84,11 @@ void Read(CTarnCommCtl& control) {
     control.put_PhoneNumber(Bstr(file.GetString(phoneNumberKey, "")));
 }
 
+// A control without its comm object has nothing to write over a good project.
 void Write(const CTarnCommCtl& control, const char* szPort) {
     const HWND object = control.CommObject();
+    if (ControlOf(object) != &control)
+        return;
     char szSettings[TARN_SETTINGS_TEXT_SIZE] = {};
     GetSettings(object, szSettings);
     CIniFile file = FileOf(control);

@@ -27,9 +27,12 @@ class ControlReport final : public TroubleShootHost {
     std::string CaptureFilename() override { return AnsiOf(control_.Properties().m_sCaptureFilename); }
 
     void SetWireTap(bool on) override {
-        control_.put_WireTap(on ? VARIANT_TRUE : VARIANT_FALSE);
-        if (!on)
+        if (!on) { // the property's setter can't
+            control_.Properties().m_bWireTap = 0;
+            control_.SetWireTapFlags();
             return;
+        }
+        control_.put_WireTap(VARIANT_TRUE);
         for (const auto put : switches)
             (control_.*put)(VARIANT_TRUE);
     }

@@ -389,6 +389,16 @@ TEST_F(ProjectFile, SaveTakesTheObjectsPort) {
     EXPECT_EQ(WrittenPort(path), "COM6");
 }
 
+TEST_F(ProjectFile, SaveWithoutACommObjectLeavesTheFileAsItWas) {
+    const std::string path = folder.Path("a.tlo");
+    SetName(path);
+    GiveTwoPorts();
+    Do(SaveProject);
+    DestroyWindow(control.Object());
+    Do(SaveProject);
+    EXPECT_EQ(WrittenPort(path), "COM6");
+}
+
 TEST_F(ProjectFile, SaveAsTakesTheHostsPort) {
     const std::string path = folder.Path("a.tlo");
     dialogs.answer = Chooses(path);
