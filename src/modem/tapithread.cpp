@@ -239,12 +239,10 @@ void CTapiApp::TakeDeviceState(const LINEMESSAGE& message) {
 
 // Without this a dial on a line that is no more would have no end; nothing else is done about it.
 void CTapiApp::TakeClose(const LINEMESSAGE& message) {
-    {
-        const std::lock_guard guard(call.lock);
-        if (call.IsDialling() && message.hDevice == call.hLine)
-            call.Fail(callUnavailable);
-    }
     LogText("Line message received: LINE_CLOSE\n");
+    const std::lock_guard guard(call.lock);
+    if (call.IsDialling() && message.hDevice == call.hLine)
+        call.Fail(callUnavailable);
 }
 
 void CTapiApp::TakeReply(const LINEMESSAGE& message) {

@@ -224,11 +224,14 @@ TEST_F(TapiAnswer, ALateFailingReplyToAnAnswerSparesTheNextWait) {
 }
 
 TEST_F(TapiAnswer, AFailingReplyToTheAnswerHangsUp) {
-    ExchangeSetPace(200); // the answer is under way
+    ExchangeSetPace(60000); // no state comes by itself
     StartAnswering();
     ExchangeRing(dataLine);
     ASSERT_TRUE(host::PumpUntil([] { return Asked("lineAnswer") == 1 && Logged("LINE_REPLY") == 1; }));
     ExchangeSendReply(ExchangeLastRequest(), TapiError(LINEERR_OPERATIONFAILED));
+    ASSERT_TRUE(host::PumpUntil([] { return Asked("lineDrop") == 1; }));
+    for (const DWORD state : {LINECALLSTATE_CONNECTED, LINECALLSTATE_IDLE})
+        ExchangeSendMessage(dataLine, LINE_CALLSTATE, state, 0, 0);
     EXPECT_TRUE(PumpUntilHeard("idle"));
     EXPECT_EQ(Asked("lineDrop"), 1);
     EXPECT_EQ(owner.Count("answered"), 0) << "it was being dropped when it was connected";

@@ -125,6 +125,14 @@ class TapiTest : public LogTest {
     static int Asked(const std::string& part) { return Times(Record(), part); }
     static int Logged(const std::string& part) { return Times(logfiles::Messages(), part); }
 
+    // What the telephony thread releases by itself is released a little later. Serves no messages meanwhile.
+    static bool HoldsNothing() {
+        for (const host::Clock clock; clock.Gone() < 5000; Sleep(1))
+            if (const ExchangeHoldings held = Held(); !held.lines && !held.calls)
+                return true;
+        return false;
+    }
+
     bool PumpUntilHeard(const std::string& event, int times = 1) {
         return host::PumpUntil([&] { return owner.Count(event) >= times; });
     }

@@ -204,17 +204,19 @@ const auto failedReply = static_cast<DWORD_PTR>(static_cast<LONG_PTR>(TapiError(
 
 TEST_F(TapiThread, ALateReplyToADialThatWasGivenUpDoesNotEndTheNextOne) {
     ExchangeAddRule("5553", ExchangeNeverReplies, 0);
-    ExchangeAddRule("5551", ExchangeConnects, 0);
+    ExchangeAddRule("5552", ExchangeRings, 0);
     TapiLimits limits;
     limits.silence = 50;
     Start(limits);
     const LONG request = NextRequest(otherLine);
     ASSERT_FALSE(app->Dial(dataLine, "5553", 0));
     const auto late = host::When(
-        [&] { return Logged("Dial tone") > 0; },
-        [&] { ExchangeSendMessage(dataLine, LINE_REPLY, static_cast<DWORD_PTR>(request), failedReply, 0); });
-    ExchangeSetPace(30);
-    EXPECT_TRUE(app->Dial(dataLine, "5551", 0)) << app->LastError();
+        [] { return Logged("Ring back") > 0; },
+        [&] {
+            ExchangeSendMessage(dataLine, LINE_REPLY, static_cast<DWORD_PTR>(request), failedReply, 0);
+            ExchangeSendMessage(dataLine, LINE_CALLSTATE, LINECALLSTATE_CONNECTED, 0, 0);
+        });
+    EXPECT_TRUE(app->Dial(dataLine, "5552", 0)) << app->LastError();
     EXPECT_EQ(Logged("LINE_REPLY"), 2);
 }
 
