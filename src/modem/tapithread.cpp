@@ -1,6 +1,6 @@
 // The telephony thread: takes the service's messages and turns them into the state of the call.
 #include "core/comapartment.h"
-#include "diagnostics/swallow.h"
+#include "core/wall.h"
 #include "diagnostics/wiretap.h"
 #include "TapiApp.h"
 #include "tapilog.h"
@@ -65,16 +65,6 @@ template <size_t count>
 const char* WordOf(const WordRow (&rows)[count], DWORD_PTR value, const char* szOther) {
     const WordRow* row = Find(rows, &WordRow::value, static_cast<DWORD>(value));
     return row ? row->szWord : szOther;
-}
-
-// A fault of the service ends with the step.
-template <class Step>
-void RunStep(const char* szLabel, Step&& step) {
-    try {
-        step();
-    } catch (...) {
-        SwallowException(szLabel);
-    }
 }
 
 } // namespace
@@ -164,7 +154,7 @@ void CTapiApp::GoDeaf() {
         }
         call.bAnswering = call.bReopening = false;
     }
-    RunStep("TapiThread", [&] {
+    BehindWall("TapiThread", [&] {
         if (waiting)
             pService->lineClose(waiting);
     });
@@ -172,7 +162,7 @@ void CTapiApp::GoDeaf() {
 
 LONG CTapiApp::GetMessageOfService(LINEMESSAGE& message) const {
     LONG result = static_cast<LONG>(LINEERR_INVALAPPHANDLE);
-    RunStep("TapiThread", [&] { result = pService->lineGetMessage(hLineApp, &message, 0); });
+    BehindWall("TapiThread", [&] { result = pService->lineGetMessage(hLineApp, &message, 0); });
     return result;
 }
 
@@ -193,11 +183,7 @@ bool CTapiApp::ServeMessage() {
         LogText("lineGetMessage returned error\n");
         return false;
     }
-    try {
-        TakeMessage(message);
-    } catch (...) {
-        SwallowException("TapiThread");
-    }
+    BehindWall("TapiThread", [&] { TakeMessage(message); });
     return true;
 }
 
@@ -227,7 +213,7 @@ bool CTapiApp::Tell(News news, const char* szLabel, DWORD which) {
 bool CTapiApp::HangUpFromThread(const char* szLabel, DWORD which, const char* szReason) {
     if (!Tell(News::Disconnected, szLabel, which))
         return false;
-    RunStep(szLabel, [&] { EndCall(szReason, which); });
+    BehindWall(szLabel, [&] { EndCall(szReason, which); });
     return true;
 }
 
@@ -300,7 +286,7 @@ void CTapiApp::CallIdle(const LINEMESSAGE& message) {
         call.BeginNext();
         which = call.nCall;
     }
-    RunStep(idle, [&] {
+    BehindWall(idle, [&] {
         if (ended)
             pService->lineDeallocateCall(ended);
         if (line)
@@ -308,7 +294,7 @@ void CTapiApp::CallIdle(const LINEMESSAGE& message) {
     });
     if (!Tell(News::Idle, idle, which) || !again)
         return;
-    RunStep(idle, [this] { OpenAgain(); });
+    BehindWall(idle, [this] { OpenAgain(); });
     const std::lock_guard guard(call.lock);
     if (std::exchange(call.bReopening, false)) // the service has faulted
         call.bAnswering = false;
@@ -358,7 +344,7 @@ void CTapiApp::CallOffered(const LINEMESSAGE& message) {
         which = call.nCall;
     }
     LONG result = static_cast<LONG>(LINEERR_OPERATIONFAILED);
-    RunStep("TapiThread", [&] { result = pService->lineAnswer(offered, nullptr, 0); });
+    BehindWall("TapiThread", [&] { result = pService->lineAnswer(offered, nullptr, 0); });
     if (result < 0) {
         HangUpFromThread(lineReply, which);
         return;
