@@ -16,7 +16,7 @@ constexpr char otherPort[] = "COM1";
 constexpr char modem[] = "Fast Modem #2";
 constexpr char otherModem[] = "Slow Modem";
 
-class ConnectionProperties : public DialogTest {
+class ConnectionProperties : public DialogTest, protected DialogUser {
   protected:
     ConnectionProperties() {
         doubles::service.lines = {otherModem, modem};
@@ -39,25 +39,9 @@ class ConnectionProperties : public DialogTest {
                 }};
     }
 
-    INT_PTR Show(const User& user) {
+    INT_PTR Show(const User& user) override {
         CConnectionProperties dialog = Make();
         return Play(dialog, user);
-    }
-
-    void Look(const User& user) {
-        EXPECT_EQ(Show([&](HWND hDlg) {
-                      user(hDlg);
-                      Press(hDlg, IDCANCEL);
-                  }),
-                  IDCANCEL);
-    }
-
-    void Confirm(const User& user) {
-        EXPECT_EQ(Show([&](HWND hDlg) {
-                      user(hDlg);
-                      Press(hDlg, IDOK);
-                  }),
-                  IDOK);
     }
 
     ConnectionChoice choice;

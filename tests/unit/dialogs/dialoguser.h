@@ -153,4 +153,28 @@ inline INT_PTR Play(CMyDialog& dialog, const User& user) {
     return result;
 }
 
+// For tests of one dialog: its user acts and then leaves it.
+class DialogUser {
+  protected:
+    explicit DialogUser(INT_PTR cancelled = IDCANCEL) : cancelled_(cancelled) {}
+    ~DialogUser() = default;
+
+    // Gives the dialog's result.
+    virtual INT_PTR Show(const User& user) = 0;
+
+    void Look(const User& user) { Leave(user, IDCANCEL, cancelled_); }
+    void Confirm(const User& user) { Leave(user, IDOK, IDOK); }
+
+  private:
+    void Leave(const User& user, int button, INT_PTR expected) {
+        EXPECT_EQ(Show([&](HWND hDlg) {
+                      user(hDlg);
+                      Press(hDlg, button);
+                  }),
+                  expected);
+    }
+
+    INT_PTR cancelled_;
+};
+
 } // namespace dialogs

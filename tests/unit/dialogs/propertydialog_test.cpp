@@ -9,32 +9,16 @@ namespace {
 
 constexpr char modem[] = "Fast Modem #2";
 
-class PropertyDialog : public DialogTest {
+class PropertyDialog : public DialogTest, protected DialogUser {
   protected:
     PropertyDialog() {
         doubles::service.lines = {"Slow Modem", "", modem};
         choice = {"COM3", "", "9600,n,8,1", 1};
     }
 
-    INT_PTR Show(const User& user) {
+    INT_PTR Show(const User& user) override {
         CPropertyDialog dialog(owner.get(), choice, tapi);
         return Play(dialog, user);
-    }
-
-    void Look(const User& user) {
-        EXPECT_EQ(Show([&](HWND hDlg) {
-                      user(hDlg);
-                      Press(hDlg, IDCANCEL);
-                  }),
-                  IDCANCEL);
-    }
-
-    void Confirm(const User& user) {
-        EXPECT_EQ(Show([&](HWND hDlg) {
-                      user(hDlg);
-                      Press(hDlg, IDOK);
-                  }),
-                  1);
     }
 
     ConnectionChoice choice;

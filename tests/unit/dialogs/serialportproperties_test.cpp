@@ -9,27 +9,11 @@ using namespace dialogs;
 
 namespace {
 
-class SerialPortProperties : public DialogTest {
+class SerialPortProperties : public DialogTest, protected DialogUser {
   protected:
-    INT_PTR Show(const User& user) {
+    INT_PTR Show(const User& user) override {
         CSerialPortProperties dialog(owner.get(), settings, handshaking);
         return Play(dialog, user);
-    }
-
-    void Look(const User& user) {
-        EXPECT_EQ(Show([&](HWND hDlg) {
-                      user(hDlg);
-                      Press(hDlg, IDCANCEL);
-                  }),
-                  IDCANCEL);
-    }
-
-    void Confirm(const User& user) {
-        EXPECT_EQ(Show([&](HWND hDlg) {
-                      user(hDlg);
-                      Press(hDlg, IDOK);
-                  }),
-                  IDOK);
     }
 
     std::string settings = "9600,n,8,1";
