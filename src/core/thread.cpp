@@ -1,6 +1,6 @@
 #include "thread.h"
 
-#include "diagnostics/swallow.h"
+#include "wall.h"
 
 #include <atomic>
 #include <memory>
@@ -10,28 +10,24 @@ namespace {
 std::atomic<int> terminatedThreads{0};
 
 struct ThreadStart {
-    std::function<void()> work;
+    ThreadWork work;
     HMODULE module = nullptr;
 };
 
-void RunWork(std::unique_ptr<ThreadStart> start) noexcept {
-    try {
-        start->work();
-    } catch (...) {
-        SwallowException("ModuleThread");
-    }
+DWORD RunWork(std::unique_ptr<ThreadStart> start) noexcept {
+    return BehindWall("ModuleThread", [&] { return start->work(); });
 }
 
 DWORD CALLBACK ThreadEntry(void* argument) {
     std::unique_ptr<ThreadStart> start(static_cast<ThreadStart*>(argument));
     const HMODULE module = start->module;
-    RunWork(std::move(start));
-    FreeLibraryAndExitThread(module, 0);
+    const DWORD exitCode = RunWork(std::move(start)); // what it owned is gone, too
+    FreeLibraryAndExitThread(module, exitCode);
 }
 
 } // namespace
 
-WorkerHandle StartModuleThread(std::function<void()> work) {
+WorkerHandle StartModuleThread(ThreadWork work) {
     auto start = std::make_unique<ThreadStart>();
     start->work = std::move(work);
     if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,

@@ -135,7 +135,7 @@ bool CTapiApp::StartListening() {
     if (!newsWindow->Handle() || !hShutdown)
         return false;
     ownerSend = std::make_unique<StoppableSend>(newsWindow->Handle(), hShutdown.get());
-    hThread = StartModuleThread([this] { TapiThread(); });
+    hThread = StartModuleThread([this] { return TapiThread(); });
     return static_cast<bool>(hThread);
 }
 

@@ -150,8 +150,8 @@ class CTapiApp {
     void NoteFailedRequest(LONG error, DWORD which);
 
     // The thread's body, and what it does with a message (tapithread.cpp).
-    void TapiThread();
-    bool Listen(); // false: the service is gone
+    DWORD TapiThread(); // the exit code
+    bool Listen();      // false: the service is gone
     void GoDeaf();
     LONG GetMessageOfService(LINEMESSAGE& message) const;
     bool ServeMessage();

@@ -13,6 +13,7 @@ namespace {
 constexpr DWORD lookAgain = 1000; // ms
 constexpr int looks = 5;          // at a queue that seems to be empty
 constexpr DWORD noMessage = static_cast<DWORD>(-1);
+constexpr DWORD serviceIsGone = static_cast<DWORD>(-1); // the thread's exit code
 
 constexpr char ringing[] = "TapiThread:Ringing";
 constexpr char lineReply[] = "TapiThread:LineReply";
@@ -118,10 +119,12 @@ struct CTapiApp::ThreadTables {
     }
 };
 
-void CTapiApp::TapiThread() {
+DWORD CTapiApp::TapiThread() {
     const ComApartment apartment;
-    if (!Listen())
-        GoDeaf();
+    if (Listen())
+        return 0;
+    GoDeaf();
+    return serviceIsGone;
 }
 
 bool CTapiApp::Listen() {

@@ -1,6 +1,8 @@
 // The telephony thread: what it logs, and what of its messages it acts upon.
 #include "testowner.h"
 
+#include <tlhelp32.h>
+
 #include <stdexcept>
 
 namespace {
@@ -247,6 +249,66 @@ TEST_F(TapiThread, AReplyToNobodysRequestIsNothing) {
     EXPECT_TRUE(host::PumpUntil([] { return Logged("LINE_REPLY") == 1; }));
     EXPECT_EQ(owner.Events(), std::vector<std::string>{});
     EXPECT_EQ(Held().lines, 1U);
+}
+
+// Of this process, and whoever has begun since the last look.
+class NewThreads {
+  public:
+    NewThreads() : before_(All()) {}
+
+    std::vector<DWORD> Begun() const {
+        std::vector<DWORD> begun;
+        for (const DWORD thread : All())
+            if (std::find(before_.begin(), before_.end(), thread) == before_.end())
+                begun.push_back(thread);
+        return begun;
+    }
+
+  private:
+    static std::vector<DWORD> All() {
+        std::vector<DWORD> all;
+        const FileHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+        THREADENTRY32 entry = {};
+        entry.dwSize = sizeof entry;
+        for (BOOL more = Thread32First(snapshot.get(), &entry); more;
+             more = Thread32Next(snapshot.get(), &entry))
+            if (entry.th32OwnerProcessID == GetCurrentProcessId())
+                all.push_back(entry.th32ThreadID);
+        return all;
+    }
+
+    std::vector<DWORD> before_;
+};
+
+struct ExitRow {
+    const char* what;
+    void (*end)(std::unique_ptr<CTapiApp>& app);
+    DWORD code;
+};
+
+const ExitRow exits[] = {
+    {"the owner ends it", [](std::unique_ptr<CTapiApp>& app) { app.reset(); }, 0},
+    {"the service is gone",
+     [](std::unique_ptr<CTapiApp>&) {
+         ExchangeFail("lineGetMessage", TapiError(LINEERR_NODRIVER), INFINITE);
+         ExchangeSendMessage(0, LINE_REQUEST, 0, 0, 0);
+     },
+     static_cast<DWORD>(-1)},
+};
+
+TEST_F(TapiThread, ItsExitCodeTellsWhetherTheServiceIsGone) {
+    for (const ExitRow& row : exits) {
+        const NewThreads threads;
+        StartAnswering();
+        const std::vector<DWORD> begun = threads.Begun();
+        ASSERT_EQ(begun.size(), 1U) << row.what;
+        const ThreadHandle thread(OpenThread(SYNCHRONIZE | THREAD_QUERY_INFORMATION, FALSE, begun.front()));
+        row.end(app);
+        ASSERT_TRUE(host::PumpUntil([&] { return WaitForSingleObject(thread.get(), 0) == WAIT_OBJECT_0; }));
+        DWORD code = 77;
+        EXPECT_TRUE(GetExitCodeThread(thread.get(), &code));
+        EXPECT_EQ(code, row.code) << row.what;
+    }
 }
 
 TEST_F(TapiThread, AQueueThatSeemsEmptyIsLookedAtAgain) {
