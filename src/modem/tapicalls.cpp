@@ -149,7 +149,8 @@ HLINE CTapiApp::OpenToAnswer(DWORD device) const {
         LogText("lineOpen failed");
         return 0;
     }
-    const LONG rings = pService->lineSetNumRings(line, device, answeringRings);
+    LONG rings = static_cast<LONG>(LINEERR_OPERATIONFAILED);
+    BehindWall("SetAnswer", [&] { rings = pService->lineSetNumRings(line, device, answeringRings); });
     LogTapi("lineSetNumRings(5) returns %ld", rings);
     return line;
 }

@@ -5,6 +5,7 @@
 #include "lines.h"
 #include "messages.h"
 #include "plant.h"
+#include "requests.h"
 #include "worker.h"
 
 void WINAPI ExchangeReset() {
@@ -15,6 +16,7 @@ void WINAPI ExchangeReset() {
     Calls().Clear();
     OpenLines().Clear();
     ClearMessages();
+    ForgetKeptWaiting();
     ThePlant() = {};
 }
 

@@ -62,7 +62,8 @@ TARN_EXCHANGE void WINAPI ExchangeSendMessage(DWORD device, DWORD messageId, DWO
                                               DWORD_PTR param2, DWORD_PTR param3);
 
 // A reply to this request, for every application, whether it has a line open or not: so late a reply may
-// come.
+// come. A good one to a call that ExchangeNeverReplies has kept waiting writes a handle, of no call, where
+// the caller wanted it.
 TARN_EXCHANGE void WINAPI ExchangeSendReply(DWORD request, LONG result);
 // The number of the last request that was accepted.
 TARN_EXCHANGE DWORD WINAPI ExchangeLastRequest(void);
@@ -74,8 +75,13 @@ TARN_EXCHANGE void WINAPI ExchangeFail(const char* szFunction, LONG result, DWOR
 // Every structure with a variable part asks for this many bytes more than it needs, so that the caller must
 // ask again; 0 after a reset.
 TARN_EXCHANGE void WINAPI ExchangeDemandMore(DWORD bytes);
+// The next times calls of this function end in an access violation.
+TARN_EXCHANGE void WINAPI ExchangeCrash(const char* szFunction, DWORD times);
 // A function blocks for this long before it works (lineShutdown, lineDrop, ...).
 TARN_EXCHANGE void WINAPI ExchangeDelay(const char* szFunction, DWORD milliseconds);
+// A function gives the caller's windows what other threads send, for this long, before it works: as one that
+// asks another process.
+TARN_EXCHANGE void WINAPI ExchangeServe(const char* szFunction, DWORD milliseconds);
 
 // What the service was asked, one line each, since the reset or the last ExchangeClearRecord: the function's
 // name and its telling arguments, such as

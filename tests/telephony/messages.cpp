@@ -65,8 +65,7 @@ DWORD NextRequest() {
     return lastRequest = lastRequest % MAXLONG + 1;
 }
 
-void WINAPI ExchangeSendReply(DWORD request, LONG result) {
-    const std::lock_guard guard(ExchangeLock());
+void QueueReplyToAll(DWORD request, LONG result) {
     for (const auto& [handle, application] : Applications())
         QueueReply(handle, request, result);
 }

@@ -17,6 +17,8 @@ HandleTable<Application>& Applications();
 
 void QueueMessage(HLINEAPP application, const LINEMESSAGE& message);
 void QueueReply(HLINEAPP application, DWORD request, LONG result);
+// To every application.
+void QueueReplyToAll(DWORD request, LONG result);
 DWORD NextRequest();
 
 // lineGetMessage fails from now on.

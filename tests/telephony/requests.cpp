@@ -1,11 +1,16 @@
 // What an application asks of calls. Each request is answered by a reply from the exchange's thread.
+#include "requests.h"
+
 #include "calls.h"
+#include "exchange.h"
 #include "lines.h"
 #include "messages.h"
 #include "outcomes.h"
 #include "plant.h"
 #include "record.h"
 #include "worker.h"
+
+#include <map>
 
 namespace {
 
@@ -17,6 +22,12 @@ std::string ParametersOf(const LINECALLPARAMS* parameters) {
            Argument("flags", parameters->dwCallParamFlags) +
            Argument("addressmode", parameters->dwAddressMode) +
            Argument("dialtone", parameters->DialParams.dwWaitForDialtone);
+}
+
+// Where the callers want their handles, by request.
+std::map<DWORD, HCALL*>& KeptWaiting() {
+    static auto* waiting = new std::map<DWORD, HCALL*>;
+    return *waiting;
 }
 
 // The caller's variable is written while its line is open, and never after that.
@@ -43,7 +54,9 @@ LONG AskForCall(HLINE line, HCALL* to, const std::string& number) {
     if (acceptance.atOnce)
         return acceptance.atOnce;
     const DWORD request = NextRequest();
-    if (!acceptance.silent)
+    if (acceptance.silent)
+        KeptWaiting()[request] = to;
+    else
         After(0, [=] { ReplyToCall(line, to, request, acceptance.reply, number); });
     return static_cast<LONG>(request);
 }
@@ -83,6 +96,18 @@ LONG AskToDrop(HCALL handle) {
 }
 
 } // namespace
+
+void ForgetKeptWaiting() {
+    KeptWaiting().clear();
+}
+
+void WINAPI ExchangeSendReply(DWORD request, LONG result) {
+    const std::lock_guard guard(ExchangeLock());
+    const auto waiting = KeptWaiting().extract(request);
+    if (waiting && !result)
+        *waiting.mapped() = NextHandle();
+    QueueReplyToAll(request, result);
+}
 
 LONG WINAPI lineMakeCallA(HLINE hLine, LPHCALL lphCall, LPCSTR lpszDestAddress, DWORD dwCountryCode,
                           LPLINECALLPARAMS const lpCallParams) {

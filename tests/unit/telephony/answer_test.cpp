@@ -1,11 +1,22 @@
 // Calls that are answered.
 #include "testowner.h"
 
+#include <thread>
+
 namespace {
 
-class TapiAnswer : public TapiTest {};
-
 using Texts = std::vector<std::string>;
+
+class TapiAnswer : public TapiTest {
+  public:
+    // Without serving messages.
+    static bool WaitUntilAsked(const std::string& part) {
+        for (const host::Clock clock; clock.Gone() < 5000; Sleep(1))
+            if (Asked(part))
+                return true;
+        return false;
+    }
+};
 
 TEST_F(TapiAnswer, OpensTheLineAsOwnerWithFiveRings) {
     Start();
@@ -171,17 +182,51 @@ TEST_F(TapiAnswer, ASecondCallIsLeftToRing) {
     EXPECT_TRUE(owner.comm) << "the first one goes on";
 }
 
+// What becomes of the next call of a function of the service.
+constexpr void (*ends[])(const char* function) = {
+    [](const char* function) { ExchangeFail(function, TapiError(LINEERR_OPERATIONFAILED), 1); },
+    [](const char* function) { ExchangeCrash(function, 1); },
+};
+
 TEST_F(TapiAnswer, ARefusedAnswerIsHungUp) {
-    StartAnswering();
-    ExchangeFail("lineAnswer", TapiError(LINEERR_OPERATIONFAILED), 1);
-    ExchangeClearRecord();
-    ExchangeRing(dataLine);
-    EXPECT_TRUE(host::PumpUntil([] { return Asked("lineSetNumRings") == 1; })) << Record();
-    EXPECT_EQ(Asked("lineDrop"), 1);
-    EXPECT_EQ(Held().calls, 0U);
+    for (const auto& end : ends) {
+        StartAnswering();
+        end("lineAnswer");
+        ExchangeClearRecord();
+        ExchangeRing(dataLine);
+        EXPECT_TRUE(host::PumpUntil([] { return Asked("lineSetNumRings") == 1; })) << Record();
+        EXPECT_EQ(Asked("lineDrop"), 1);
+        EXPECT_EQ(Held().calls, 0U);
+        owner.Forget();
+        ExchangeRing(dataLine);
+        EXPECT_TRUE(PumpUntilHeard("answered")) << "the next one is answered";
+        app.reset();
+    }
+}
+
+TEST_F(TapiAnswer, ALineWhoseOpeningFaultsAnswersNoMore) {
+    AnswerACall();
+    ExchangeCrash("lineOpenA", 1);
+    ExchangeFarHangUp(dataLine, LINEDISCONNECTMODE_NORMAL);
+    EXPECT_TRUE(host::PumpUntil([this] { return !app->IsAnswering(); }));
+    EXPECT_EQ(Held().lines, 0U);
     owner.Forget();
+    EXPECT_TRUE(app->SetAnswer(true, dataLine));
     ExchangeRing(dataLine);
-    EXPECT_TRUE(PumpUntilHeard("answered")) << "the next one is answered";
+    EXPECT_TRUE(PumpUntilHeard("answered"));
+}
+
+TEST_F(TapiAnswer, ALineWhoseRingsCannotBeSetAnswersAllTheSame) {
+    for (const auto& end : ends) {
+        Start();
+        end("lineSetNumRings");
+        EXPECT_TRUE(app->SetAnswer(true, dataLine));
+        EXPECT_EQ(Held().lines, 1U);
+        owner.Forget();
+        ExchangeRing(dataLine);
+        EXPECT_TRUE(PumpUntilHeard("answered"));
+        app.reset();
+    }
 }
 
 TEST_F(TapiAnswer, DestroyedInsideOfEachEvent) {
@@ -254,6 +299,84 @@ TEST_F(TapiAnswer, AServiceThatDiesLeavesNoLineWaiting) {
     EXPECT_TRUE(host::PumpUntil([this] { return !app->IsAnswering() && Held().lines == 0; }));
     EXPECT_FALSE(app->SetAnswer(true, dataLine)) << "nobody would hear a call";
     EXPECT_EQ(Held().lines, 0U);
+}
+
+// Does it on a thread of its own: that of the test is held up.
+class Meanwhile {
+  public:
+    explicit Meanwhile(std::function<void()> work) : thread_(std::move(work)) {}
+    ~Meanwhile() { thread_.join(); }
+
+  private:
+    std::thread thread_;
+};
+
+// While the line is being opened.
+struct OpeningRow {
+    const char* what;
+    void(WINAPI* hold)(const char* function, DWORD milliseconds);
+    DWORD milliseconds;
+    void (*callComesAndGoes)();
+    Texts heard; // before the line is open
+};
+
+void SendState(DWORD state) {
+    ExchangeSendMessage(0, LINE_CALLSTATE, state, 0, 0);
+}
+
+const OpeningRow openings[] = {
+    {"the owner can hear of nothing",
+     ExchangeDelay,
+     1000,
+     [] {
+         ExchangeFail("lineAnswer", 1, 1); // a request that is accepted
+         SendState(LINECALLSTATE_OFFERING);
+         EXPECT_TRUE(TapiAnswer::WaitUntilAsked("lineAnswer"));
+         SendState(LINECALLSTATE_IDLE);
+         EXPECT_TRUE(TapiAnswer::WaitUntilAsked("lineDeallocateCall"));
+     },
+     {}},
+    {"the owner hears of all",
+     ExchangeServe,
+     3000,
+     [] {
+         EXPECT_NE(ExchangeRing(0), 0U);
+         EXPECT_TRUE(TapiAnswer::WaitUntilAsked("lineGetID"));
+         ExchangeFarHangUp(0, LINEDISCONNECTMODE_NORMAL);
+     },
+     {"notify 6", "answered", "disconnected", "notify 5", "idle"}},
+};
+
+TEST_F(TapiAnswer, ACallMayComeAndGoWhileTheLineIsOpenedForTheFirstTime) {
+    for (const OpeningRow& row : openings) {
+        SCOPED_TRACE(row.what);
+        owner.Forget();
+        owner.OnEventDo([](const std::string& event) {
+            if (event == "idle")
+                ExchangeDelay("lineSetNumRings", 0); // the thread opens the line at once
+        });
+        Start();
+        ExchangeClearRecord();
+        row.hold("lineSetNumRings", row.milliseconds);
+        {
+            const Meanwhile call([&] {
+                EXPECT_TRUE(TapiAnswer::WaitUntilAsked("lineSetNumRings"));
+                row.callComesAndGoes();
+            });
+            EXPECT_TRUE(app->SetAnswer(true, dataLine));
+            EXPECT_EQ(owner.Events(), row.heard);
+        }
+        ASSERT_TRUE(PumpUntilHeard("idle"));
+        EXPECT_TRUE(host::PumpUntil([] { return Held().lines == 1 && Held().calls == 0; }));
+        EXPECT_TRUE(app->IsAnswering());
+        ExchangeDelay("lineSetNumRings", 0);
+        owner.OnEventDo({});
+        owner.Forget();
+        ExchangeRing(dataLine);
+        EXPECT_TRUE(PumpUntilHeard("answered")) << "the next one";
+        app.reset();
+        owner.comm.reset();
+    }
 }
 
 } // namespace

@@ -306,6 +306,95 @@ TEST_F(TapiCalls, AServiceThatHandsOutNoMessageHasDied) {
     EXPECT_EQ(app->LastError(), "Connection unavailable");
 }
 
+// Memory that was given back would be taken again by one of these.
+class Tenants {
+  public:
+    Tenants() {
+        for (size_t size = 16; size <= 96; size += 4)
+            for (int copy = 0; copy < 200; ++copy)
+                blocks_.emplace_back(size, mark);
+    }
+    bool AreUnharmed() const {
+        return std::all_of(blocks_.begin(), blocks_.end(), [](const std::string& block) {
+            return block.find_first_not_of(mark) == std::string::npos;
+        });
+    }
+
+  private:
+    static constexpr char mark = 'm';
+    std::vector<std::string> blocks_;
+};
+
+TEST_F(TapiCalls, AHandleThatComesAfterItsDialWasGivenUpHarmsNothing) {
+    TapiLimits limits;
+    limits.silence = 50;
+    Start(limits);
+    ASSERT_FALSE(app->Dial(dataLine, "5553", 0));
+    const DWORD abandoned = ExchangeLastRequest();
+    const Tenants tenants;
+    ExchangeClearRecord();
+    ExchangeSendReply(abandoned, 0);
+    EXPECT_TRUE(tenants.AreUnharmed());
+    ASSERT_TRUE(host::PumpUntil([] { return Logged("LINE_REPLY") == 1; }));
+    EXPECT_EQ(Record(), "");
+}
+
+TEST_F(TapiCalls, AHandleThatComesLateIsNotTakenForThatOfTheNextDial) {
+    TapiLimits limits;
+    limits.silence = 50;
+    Start(limits);
+    ASSERT_FALSE(app->Dial(dataLine, "5553", 0));
+    const DWORD abandoned = ExchangeLastRequest();
+    ExchangeClearRecord();
+    const auto late =
+        host::When([this] { return app->IsDialling(); }, [&] { ExchangeSendReply(abandoned, 0); });
+    EXPECT_FALSE(app->Dial(dataLine, "5553", 0));
+    EXPECT_EQ(Asked("lineDrop"), 0) << Record();
+    EXPECT_TRUE(HoldsNothing());
+}
+
+struct CrashRow {
+    const char* function;
+    const char* number;
+    const char* lastError;
+    bool next; // the next dial gets through
+};
+
+constexpr CrashRow crashes[] = {
+    {"lineTranslateAddressA", "+1", "Bad Address", true},
+    {"lineNegotiateAPIVersion", "5551", "", true},
+    {"lineOpenA", "5551", "", true},
+    {"lineMakeCallA", "5551", "Canceled", true},
+    {"lineGetMessage", "5551", "Connection unavailable", false},
+    {"lineDrop", "666", "Busy", true},
+    {"lineClose", "5553", "Connection unavailable", true},
+};
+
+TEST_F(TapiCalls, AFaultOfTheServiceEndsTheDial) {
+    ExchangeAddRule("666", ExchangeBusy, 0);
+    for (const CrashRow& row : crashes) {
+        SCOPED_TRACE(row.function);
+        TapiLimits limits;
+        limits.silence = 500;
+        Start(limits);
+        ExchangeCrash(row.function, 1);
+        EXPECT_FALSE(app->Dial(dataLine, row.number, 0));
+        EXPECT_EQ(app->LastError(), row.lastError);
+        EXPECT_FALSE(app->IsDialling());
+        EXPECT_EQ(app->Dial(otherLine, "5551", 0), row.next);
+        app.reset();
+    }
+}
+
+TEST_F(TapiCalls, AFaultOfTheServiceLeavesACallWithoutAHandle) {
+    Start();
+    ASSERT_TRUE(app->Dial(dataLine, "5551", 0));
+    ExchangeCrash("lineGetIDA", 1);
+    EXPECT_EQ(app->GetCommHandle(), INVALID_HANDLE_VALUE);
+    const FileHandle comm(app->GetCommHandle());
+    EXPECT_TRUE(comm) << "the next time";
+}
+
 TEST_F(TapiCalls, AnOwnerThatIsGoneEndsTheDial) {
     Start();
     EXPECT_FALSE(DialAndMeanwhile([&] { owner.wantsCall = false; }));
