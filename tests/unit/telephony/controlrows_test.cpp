@@ -1,4 +1,5 @@
 // Properties and methods of the control that ask the telephony service and place no call.
+#include "startuprows.h"
 #include "telephonycontrol.h"
 
 namespace {
@@ -177,29 +178,12 @@ TEST_F(ControlRows, ALocationWithoutACurrentOneIsEmpty) {
     EXPECT_EQ(phone->Text(&ITarnComm::get_Location), "");
 }
 
-struct StartRow {
-    DWORD error;
-    std::string reason;
-};
-
-const StartRow startErrors[] = {
-    {LINEERR_INIFILECORRUPT, "Ini file is corrupt."},
-    {LINEERR_INVALAPPNAME, "Invalid application name."},
-    {LINEERR_INVALPARAM, "Invalid parameter."},
-    {LINEERR_INVALPOINTER, "Invalid pointer."},
-    {LINEERR_NOMEM, "Out of memory."},
-    {LINEERR_OPERATIONFAILED, "Operation failed."},
-    {LINEERR_REINIT, "Line re-initialized."},
-    {LINEERR_NODRIVER, "Error code " + std::to_string(Error(LINEERR_NODRIVER)) + "."},
-    {0, "Operation failed."}, // success, and nothing filled in
-};
-
 TEST_F(ControlRows, LocationTellsWhyTelephonyIsOutOfUse) {
-    for (const StartRow& row : startErrors) {
-        SCOPED_TRACE(row.reason);
+    for (const StartUpRow& row : startUpRows) {
+        SCOPED_TRACE(row.error);
         ExchangeFail("lineInitializeExA", Error(row.error), 1);
         Start().LogProperties();
-        const Failure unable = {generalFailure, "Unable to access the Windows Telephony API: " + row.reason};
+        const Failure unable = {generalFailure, row.text};
         BSTR text = nullptr;
         EXPECT_EQ(FailureOf(phone->control->get_Location(&text)), unable);
         EXPECT_EQ(text, nullptr);
