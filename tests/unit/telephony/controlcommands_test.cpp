@@ -1,5 +1,5 @@
 // The toolbar of a control that dials, and the commands that ask for a line.
-#include "telephonycontrol.h"
+#include "dialtest.h"
 
 #include "../control/bars.h"
 
@@ -7,14 +7,8 @@ namespace {
 
 using namespace telephony;
 
-constexpr const char* rings = "5550101";
-constexpr const char* connects = "5550100";
-
-class ControlCommands : public TelephonyTest {
+class ControlCommands : public DialTest {
   protected:
-    static std::unique_ptr<host::Every> WhenItRings(std::function<void()> action) {
-        return host::When([] { return Logged("Ring back") > 0; }, std::move(action));
-    }
     CTarnCommCtl& Control() { return *phone->control.Get(); }
 
     void ShowAtAlpha(const char* number) {
