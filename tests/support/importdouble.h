@@ -23,7 +23,9 @@ namespace host {
 // The platform's own function.
 template <class Function>
 Function Platform(const char* library, const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(LoadLibraryA(library), name)));
+    const HMODULE loaded = GetModuleHandleA(library);
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(loaded ? loaded : LoadLibraryA(library), name)));
 }
 
 } // namespace host

@@ -4,15 +4,11 @@
 // from the run-time's own start-up.
 #include "scripteddevice.h"
 
+#include "support/importdouble.h"
+
 using host::ScriptedDevice;
 
 namespace {
-
-template <class Function>
-Function Platform(const char* name) {
-    return reinterpret_cast<Function>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
-}
 
 // The device behind one of its handles. Null with the error set: the test has let it go.
 ScriptedDevice* Device() {
@@ -28,7 +24,7 @@ bool IsScriptedPath(const char* path) {
 
 } // namespace
 
-#define PLATFORM(Name) Platform<decltype(&::Name)>(#Name)
+#define PLATFORM(Name) host::Platform<decltype(&::Name)>("kernel32.dll", #Name)
 #define PASS_ON_UNLESS_SCRIPTED(handle, Name, ...)                                                           \
     if (!ScriptedDevice::Owns(handle))                                                                       \
         return PLATFORM(Name)(__VA_ARGS__);                                                                  \
@@ -156,35 +152,26 @@ BOOL WINAPI DoubleClearCommError(HANDLE handle, LPDWORD errors, LPCOMSTAT status
 
 } // namespace
 
-// The import pointer of each, by the name that the assembler sees; on x86 it ends in the bytes of its
-// arguments.
-#ifdef __i386__
-#define IMPORT_NAME(Name, Bytes) asm("__imp__" #Name "@" #Bytes)
-#else
-#define IMPORT_NAME(Name, Bytes) asm("__imp_" #Name)
-#endif
-#define IMPORT(Name, Bytes) decltype(&::Name) import##Name IMPORT_NAME(Name, Bytes) = &Double##Name;
-
 extern "C" {
-IMPORT(CreateFileA, 28)
-IMPORT(CreateEventA, 16)
-IMPORT(CloseHandle, 4)
-IMPORT(FormatMessageA, 28)
-IMPORT(ReadFile, 20)
-IMPORT(WriteFile, 20)
-IMPORT(GetOverlappedResult, 16)
-IMPORT(CancelIoEx, 8)
-IMPORT(SetupComm, 12)
-IMPORT(SetCommTimeouts, 8)
-IMPORT(GetCommState, 8)
-IMPORT(SetCommState, 8)
-IMPORT(SetCommMask, 8)
-IMPORT(GetCommMask, 8)
-IMPORT(WaitCommEvent, 12)
-IMPORT(GetCommModemStatus, 8)
-IMPORT(EscapeCommFunction, 8)
-IMPORT(SetCommBreak, 4)
-IMPORT(ClearCommBreak, 4)
-IMPORT(PurgeComm, 8)
-IMPORT(ClearCommError, 12)
+TARN_IMPORT_DOUBLE(CreateFileA, 28)
+TARN_IMPORT_DOUBLE(CreateEventA, 16)
+TARN_IMPORT_DOUBLE(CloseHandle, 4)
+TARN_IMPORT_DOUBLE(FormatMessageA, 28)
+TARN_IMPORT_DOUBLE(ReadFile, 20)
+TARN_IMPORT_DOUBLE(WriteFile, 20)
+TARN_IMPORT_DOUBLE(GetOverlappedResult, 16)
+TARN_IMPORT_DOUBLE(CancelIoEx, 8)
+TARN_IMPORT_DOUBLE(SetupComm, 12)
+TARN_IMPORT_DOUBLE(SetCommTimeouts, 8)
+TARN_IMPORT_DOUBLE(GetCommState, 8)
+TARN_IMPORT_DOUBLE(SetCommState, 8)
+TARN_IMPORT_DOUBLE(SetCommMask, 8)
+TARN_IMPORT_DOUBLE(GetCommMask, 8)
+TARN_IMPORT_DOUBLE(WaitCommEvent, 12)
+TARN_IMPORT_DOUBLE(GetCommModemStatus, 8)
+TARN_IMPORT_DOUBLE(EscapeCommFunction, 8)
+TARN_IMPORT_DOUBLE(SetCommBreak, 4)
+TARN_IMPORT_DOUBLE(ClearCommBreak, 4)
+TARN_IMPORT_DOUBLE(PurgeComm, 8)
+TARN_IMPORT_DOUBLE(ClearCommError, 12)
 }
