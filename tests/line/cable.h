@@ -63,6 +63,8 @@ class Cable {
     long long Signal(const std::string& name) { return Number(Do("signals"), name); }
 
   private:
+    // A tarnline that is there and says nothing counts as gone.
+    static constexpr int replySeconds = 30;
 #ifdef _WIN32
     using Socket = SOCKET;
     using Size = int;
@@ -73,6 +75,9 @@ class Cable {
         WSADATA data;
         WSAStartup(MAKEWORD(2, 2), &data);
     }
+    static DWORD ReplyLimit() {
+        return replySeconds * 1000;
+    }
 #else
     using Socket = int;
     using Size = std::size_t;
@@ -80,6 +85,9 @@ class Cable {
         close(socket_);
     }
     static void StartSockets() {}
+    static timeval ReplyLimit() {
+        return {replySeconds, 0};
+    }
 #endif
 
     static int ReadPort(const std::string& controlFile) {
@@ -106,6 +114,8 @@ class Cable {
         }
         const int on = 1;
         setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
+        const auto limit = ReplyLimit();
+        setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&limit), sizeof limit);
     }
 
     std::string ReceiveLine() {
