@@ -34,10 +34,12 @@ void ShowNumber(const TRANSFER& transfer, int nItem, const char* szFormat, LONG 
     ShowItem(transfer, nItem, text);
 }
 
-// In 32 bits, so that it begins anew in files above 42,949,672 bytes; kept so, see the tests.
+// In 32 bits, so that it begins anew in files above 42,949,672 bytes; kept so, see the tests. Nothing of a
+// file of unknown size.
 int Percent(LONG cbDone, LONG cbFile) {
-    const auto size = static_cast<DWORD>(cbFile);
-    return size ? static_cast<int>(static_cast<DWORD>(cbDone) * 100 / size) : 0;
+    if (cbFile == 0 || cbFile == UnknownFileSize)
+        return 0;
+    return static_cast<int>(static_cast<DWORD>(cbDone) * 100 / static_cast<DWORD>(cbFile));
 }
 
 } // namespace

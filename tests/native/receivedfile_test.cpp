@@ -371,6 +371,16 @@ TEST(ReceivedFileFoldersOf, LeadingSlashAndDotsAreNoFolders) {
               (std::vector<std::string>{"open /x/c wb", "folder /x", "open /x/c wb"}));
 }
 
+// Kept so: the folder is made where the program stands, and not where the host wants its files.
+TEST(ReceivedFileFoldersOf, HostsFolderHasNoPartInThem) {
+    Receiving receiving;
+    std::strcpy(receiving.host.object.Record().szXferPath, "in");
+    receiving.disk.folders = {"in"};
+    EXPECT_EQ(receiving.Header("a/b.txt"s), FileCantBeOpened);
+    EXPECT_EQ(receiving.disk.journal,
+              (std::vector<std::string>{"open in\\a/b.txt wb", "folder a", "open in\\a/b.txt wb"}));
+}
+
 TEST(ReceivedFileFoldersOf, OtherErrorsMakeNone) {
     Receiving receiving;
     receiving.disk.locked.insert("a/b");

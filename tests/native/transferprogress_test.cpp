@@ -49,7 +49,41 @@ void SetFolder(TransferDouble& transfer, const char* szFolder) {
     std::snprintf(record.szXferPath, sizeof record.szXferPath, "%s", szFolder);
 }
 
+struct ProtocolCase {
+    int nProtocol;
+    const char* name;
+};
+
+const ProtocolCase protocolCases[] = {
+    {0, "XModem"}, {1, "XModem CRC"}, {2, "XModem 1K"},     {3, "YModem"}, {4, "YModem-G"},
+    {5, "ZModem"}, {6, "Kermit"},     {7, "Compuserve B+"}, {8, ""},       {-1, ""},
+};
+
+// What the log got, without the word in front of each line.
+Journal LogOf(const TransferDouble& transfer) {
+    Journal lines;
+    for (const std::string& entry : transfer.object.journal)
+        if (entry.starts_with("log "))
+            lines.push_back(entry.substr(4));
+    return lines;
+}
+
 } // namespace
+
+TEST(XferProtocol, EachHasItsName) {
+    for (const ProtocolCase& test : protocolCases)
+        EXPECT_STREQ(ProtocolName(test.nProtocol), test.name) << test.nProtocol;
+}
+
+TEST(XferPath, NameThatDoesNotFitIsCut) {
+    TransferDouble transfer(XferUpload);
+    const COMCTL& record = transfer.object.Record();
+    StoreDestFilename(transfer.object.Record(), std::string(512, 'a').c_str());
+    EXPECT_EQ(record.szDestFilename, std::string(512, 'a'));
+    StoreDestFilename(transfer.object.Record(), std::string(513, 'b').c_str());
+    EXPECT_EQ(record.szDestFilename, std::string(512, 'b'));
+    EXPECT_STREQ(record.szTransferStatus, "") << "the field behind";
+}
 
 TEST(XferPath, JoinsTheFolderToBareNames) {
     TransferDouble transfer(XferDownload);
@@ -177,6 +211,43 @@ TEST(XferProgress, StatusLineReachesTheRecord) {
     EXPECT_EQ(transfer.lastStatus, "100% of %s%n");
 }
 
+TEST(XferLog, TellsEachStepOfAFile) {
+    const MemoryDisk disk;
+    TransferDouble transfer(XferUpload);
+    transfer.Queue("C:\\out\\a.txt");
+    std::string source;
+    std::string dest;
+    xfPrepareSend(transfer.transfer, source, dest);
+    xfStartFile(transfer.transfer);
+    xfSetFileSize(transfer.transfer, 2000);
+    xfUpdate(transfer.transfer, 1024, 1024);
+    xfSetMessage(transfer.transfer, "Sending %s");
+    xfSetMessage(transfer.transfer, "");
+    xfFileDone(transfer.transfer);
+    xfFileSkipped(transfer.transfer);
+    EXPECT_EQ(LogOf(transfer), Journal({"Source file=C:\\out\\a.txt", "Destination file=a.txt",
+                                        "Beginning to transfer a new file", "0 bytes transferred",
+                                        "Total bytes: 2000", "1024 bytes transferred", "Sending %s",
+                                        "File has been transferred", "File was skipped."}));
+}
+
+TEST(XferLog, IsSilentWhereItWasOffAtTheStart) {
+    TransferDouble transfer(XferUpload);
+    transfer.transfer.bWireTap = 0;
+    xfStartFile(transfer.transfer);
+    xfUpdate(transfer.transfer, 1024, 1024);
+    EXPECT_EQ(LogOf(transfer), Journal());
+}
+
+TEST(XferLog, TellsAFreeNameAsItTellsTheLastOne) {
+    MemoryDisk disk;
+    TransferDouble transfer(XferDownload);
+    std::string name;
+    xfPrepareReceive(transfer.transfer, name, name);
+    EXPECT_EQ(LogOf(transfer), Journal({"Unique filename:UNTITLED.000 after 1000", "Source file=UNTITLED.000",
+                                        "Destination file=UNTITLED.000"}));
+}
+
 TEST(XferUnique, TakesTheFirstFreeName) {
     MemoryDisk disk;
     TransferDouble transfer(XferDownload);
@@ -229,6 +300,7 @@ const PercentCase percentCases[] = {
     {0, 500, 0},
     {-1, 500, 0},
     {UnknownFileSize, 1000, 0},
+    {UnknownFileSize, 42949672, 0},
     {42949672, 42949672, 100},
     // Counted in 32 bits, kept so.
     {42949673, 42949673, 0},

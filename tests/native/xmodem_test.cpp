@@ -236,6 +236,22 @@ TEST(XModemReceiveEvents, QueuedNameIsTheDestination) {
     EXPECT_EQ(disk.files["wanted.bin"].contents, A);
 }
 
+// Kept so: where all the names are taken, the last one is taken again.
+TEST(XModemReceiveEvents, ThousandFilesWithoutANameCostTheLast) {
+    MemoryDisk disk;
+    for (int i = 0; i < 1000; ++i) {
+        char name[16];
+        std::snprintf(name, sizeof name, "UNTITLED.%03d", i % 1000);
+        disk.files[name].contents = "old";
+    }
+    Transfer transfer(XferDownload, Protocol_XModemCRC);
+    transfer.AnswerWith({CrcBlock(1, A), EOT});
+    EXPECT_EQ(transfer.Receive(), 0);
+    EXPECT_EQ(disk.files["UNTITLED.999"].contents, A);
+    EXPECT_EQ(disk.files["UNTITLED.998"].contents, "old");
+    EXPECT_EQ(disk.files.size(), 1000u);
+}
+
 struct FailCase {
     const char* name;
     void (*arrange)(MemoryDisk&);

@@ -205,6 +205,7 @@ const HeaderCase headerRows[] = {
      "Read binary header returned 280 (2)"},
     {"SubpacketEndAsType", Frame('A', "\x18i"), GotZCRCG, 0, "Get header: FrameIndex=A Type=361 Position=0"},
     {"TypeAboveTheNames", zmodem::Binary(21), 21, 0, "Get header: FrameIndex=A Type=21 Position=0"},
+    {"LastTypeWithoutAName", zmodem::Binary(22), 22, 0, "Get header: FrameIndex=A Type=22 Position=0"},
     {"LastNamedType", zmodem::Binary(20), 20, 0, "Get header:: FrameIndex=A Length=4 Type=xxxxx Position=0"},
     {"FiveCancels", "\x18\x18\x18\x18\x18", ZCAN, 0,
      "Get header:: FrameIndex=  Length=0 Type=ZCAN Position=0"},
