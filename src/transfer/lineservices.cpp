@@ -81,8 +81,9 @@ bool xfPortIsOpen(TRANSFER& transfer) {
     return transfer.lpLine->IsOpen();
 }
 
+// What was read ahead went with its port.
 DWORD xfInQueue(TRANSFER& transfer) {
-    return transfer.lpLine->InQueue();
+    return xfPortIsOpen(transfer) ? transfer.lpLine->InQueue() : 0;
 }
 
 DWORD xfOutQueue(TRANSFER& transfer) {

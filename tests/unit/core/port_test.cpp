@@ -181,7 +181,13 @@ TEST_F(Port, AttachedHandleIsOpenAndNullDetachesIt) {
 
 TEST_F(Port, SettingsDialogFailsForWantOfATemplate) {
     const host::CommObject object;
+    SetSettings(object, "7200,e,7,2");
+    SetHandshaking(object, TARN_HANDSHAKING_BOTH);
     EXPECT_EQ(PortSettingsDialog(object, nullptr), -1);
+    char settings[TARN_SETTINGS_TEXT_SIZE] = {};
+    GetSettings(object, settings);
+    EXPECT_STREQ(settings, "7200,e,7,2");
+    EXPECT_EQ(GetHandshaking(object), TARN_HANDSHAKING_BOTH);
 }
 
 TEST_F(Port, VanishedDeviceHangsNothingAndComesBack) {

@@ -13,8 +13,8 @@ using namespace host;
 
 namespace {
 
-constexpr DWORD soon = 2000;   // ms: a wait that was ended, on a slow machine
-constexpr DWORD long_ = 20000; // ms: a wait that is to be ended
+constexpr DWORD soon = 2000;     // ms: a wait that was ended, on a slow machine
+constexpr DWORD endless = 20000; // ms: a wait that is to be ended
 
 class TransferServices : public LineTest {
   protected:
@@ -41,6 +41,14 @@ class TransferServices : public LineTest {
         DeleteFileA(logfiles::WireTapPath().c_str());
     }
 
+    bool WriteBlocks(int count) {
+        const std::string block(1024, 'x');
+        for (int i = 0; i < count; ++i)
+            if (xfWrite(transfer, block.data(), static_cast<DWORD>(block.size())) != block.size())
+                return false;
+        return true;
+    }
+
     bool Logged(const std::string& text) const {
         return logfiles::Messages().find("<time> " + text + "\r\n") != std::string::npos;
     }
@@ -63,7 +71,7 @@ struct EndRow {
 TEST_F(TransferServices, BytesComeInTheirOrder) {
     ASSERT_TRUE(farEnd.Send(std::string("a\0\xFF", 3)));
     for (const int expected : {0x61, 0, 0xFF})
-        EXPECT_EQ(xfGetChar(transfer, long_), expected);
+        EXPECT_EQ(xfGetChar(transfer, endless), expected);
     EXPECT_FALSE(xfDataWaiting(transfer));
     EXPECT_EQ(xfGetChar(transfer, 0), -1);
     EXPECT_TRUE(Logged("Receive timeout."));
@@ -82,9 +90,9 @@ TEST_F(TransferServices, ByteIsAwaitedForItsTime) {
 TEST_F(TransferServices, AbortedWaitEndsAtOnceAndIsNoTimeout) {
     record->bAbortTransfer = 1;
     const Clock clock;
-    EXPECT_EQ(xfGetChar(transfer, long_), -1);
-    xfDelay(transfer, long_);
-    EXPECT_FALSE(xfWaitForInput(transfer, long_));
+    EXPECT_EQ(xfGetChar(transfer, endless), -1);
+    xfDelay(transfer, endless);
+    EXPECT_FALSE(xfWaitForInput(transfer, endless));
     EXPECT_LT(clock.Gone(), soon);
     EXPECT_FALSE(Logged("Receive timeout."));
 }
@@ -109,7 +117,7 @@ TEST_F(TransferServices, WhatEndsTheWorkerEndsEachWaitAndAborts) {
         row.end();
         const Clock clock;
         record->bAbortTransfer = 0;
-        xfDelay(transfer, long_);
+        xfDelay(transfer, endless);
         EXPECT_EQ(record->bAbortTransfer, 1);
         EXPECT_LT(clock.Gone(), soon);
         ResetEvent(stop.get());
@@ -118,13 +126,13 @@ TEST_F(TransferServices, WhatEndsTheWorkerEndsEachWaitAndAborts) {
         PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
     }
     record->bAbortTransfer = 0;
-    EXPECT_EQ(xfGetChar(transfer, long_), -1);
+    EXPECT_EQ(xfGetChar(transfer, endless), -1);
     EXPECT_EQ(record->bAbortTransfer, 1);
 }
 
 TEST_F(TransferServices, ClosedPortTakesNothingAndHasNothing) {
     ASSERT_TRUE(farEnd.Send("abc"));
-    ASSERT_TRUE(xfWaitForInput(transfer, long_));
+    ASSERT_TRUE(xfWaitForInput(transfer, endless));
     object.Close();
     EXPECT_EQ(xfInQueue(transfer), 0u);
     EXPECT_EQ(xfOutQueue(transfer), 0u);
@@ -138,7 +146,7 @@ TEST_F(TransferServices, ClosedPortTakesNothingAndHasNothing) {
 TEST_F(TransferServices, TimerExpiresAtItsDeadlineAndWithTheTransfer) {
     const DWORD never = 0xFFFFFFFF;
     EXPECT_EQ(TimerExpired(&transfer, never), 0);
-    EXPECT_EQ(TimerExpired(&transfer, CreateTimer(long_)), 0);
+    EXPECT_EQ(TimerExpired(&transfer, CreateTimer(endless)), 0);
     EXPECT_EQ(TimerExpired(&transfer, GetTickCount()), 1);
     EXPECT_EQ(TimerExpired(&transfer, 0), 1);
     EXPECT_EQ(record->bAbortTransfer, 0) << "nothing of that is an abort";
@@ -166,8 +174,7 @@ TEST_F(TransferServices, MessagesOfAThreadWithoutADialogAreDropped) {
 
 TEST_F(TransferServices, FlushThatIsAbortedIsTold) {
     cable.Baud(1200);
-    const std::string block(30000, 'x');
-    ASSERT_EQ(xfWrite(transfer, block.data(), static_cast<DWORD>(block.size())), block.size());
+    ASSERT_TRUE(WriteBlocks(10));
     EXPECT_GT(xfOutQueue(transfer), 0u);
     record->bAbortTransfer = 1;
     const Clock clock;
@@ -180,8 +187,7 @@ TEST_F(TransferServices, FlushThatIsAbortedIsTold) {
 
 TEST_F(TransferServices, FlushWaitsUntilAllHasLeft) {
     cable.Baud(115200);
-    const std::string block(20000, 'x');
-    ASSERT_EQ(xfWrite(transfer, block.data(), static_cast<DWORD>(block.size())), block.size());
+    ASSERT_TRUE(WriteBlocks(20));
     xfFlushOutput(transfer);
     EXPECT_EQ(xfOutQueue(transfer), 0u);
     EXPECT_FALSE(Logged("Flushing output buffer failed."));
@@ -189,7 +195,7 @@ TEST_F(TransferServices, FlushWaitsUntilAllHasLeft) {
 
 TEST_F(TransferServices, ClearedInputIsGone) {
     ASSERT_TRUE(farEnd.Send("abc"));
-    ASSERT_EQ(xfGetChar(transfer, long_), 'a');
+    ASSERT_EQ(xfGetChar(transfer, endless), 'a');
     ASSERT_TRUE(PumpUntil([&] { return xfInQueue(transfer) == 2; }));
     xfClearInput(transfer);
     EXPECT_FALSE(xfDataWaiting(transfer));

@@ -3,6 +3,7 @@
 #include "transferpair.h"
 
 #include "diagnostics/wiretap.h"
+#include "support/every.h"
 #include "unit/diagnostics/logfiles.h"
 
 #include <gtest/gtest.h>
@@ -105,8 +106,9 @@ TEST_F(TransferEndings, AbortedTransferCancelsTheLine) {
         sent.statuses.clear();
         std::string heard;
         ASSERT_EQ(Download(sender, out.In("x").c_str()), 1);
-        if (protocol == Protocol_ZModem)
+        if (protocol == Protocol_ZModem) {
             ASSERT_TRUE(PumpUntil([&] { return (heard += farEnd.Read()).ends_with('\x11'); }, limit));
+        }
         AbortTransfer(sender);
         ASSERT_TRUE(PumpUntil(
             [&] {
@@ -132,3 +134,80 @@ TEST_F(TransferEndings, FileThatCantBeMadeCancelsTheLineOfASuccess) {
     EXPECT_EQ(std::ranges::count(sent.statuses, TransferStatus_FileAbort), 1);
     EXPECT_TRUE(Logged("Clear output buffer")) << "the first step of the cancel";
 }
+
+// Kept so: the sequence starts what the host has chosen.
+TEST_F(TransferEndings, ZModemStartInTheInputRunsTheProtocolThatIsSet) {
+    receiver.Close();
+    FarEnd farEnd;
+    Use(7);
+    SetAutoZModem(sender, 1);
+    SetAutoProcess(sender, TARN_PROCESS_SERIAL);
+    ASSERT_TRUE(farEnd.Send("**\x18"
+                            "B00"));
+    ASSERT_TRUE(PumpUntil([&] { return sent.Ended(); }));
+    EXPECT_EQ(sent.statuses, Statuses({TransferStatus_Failure}));
+    EXPECT_EQ(GetProtocol(sender), 7);
+    EXPECT_EQ(farEnd.Read(), "");
+}
+
+TEST_F(TransferEndings, WaitForTheEndIsOverWhenTheObjectGoes) {
+    Use(Protocol_XModemCRC);
+    ASSERT_EQ(Download(receiver, ""), 1);
+    const auto destroy = After(200, [&] { DestroyWindow(receiver); });
+    const Clock clock;
+    WaitUntilTransferIsFinished(receiver);
+    EXPECT_FALSE(IsWindow(receiver));
+    EXPECT_LT(clock.Gone(), 5000u);
+}
+
+namespace {
+
+struct DestroyCase {
+    const char* name;
+    bool ofSender;
+    int status;
+    int nProtocol;
+};
+
+const DestroyCase destroyCases[] = {
+    {"SenderSkips", true, TransferStatus_FileAbort, Protocol_ZModem},
+    {"SenderFails", true, TransferStatus_Failure, Protocol_XModem1K},
+    {"SenderHasNoEngine", true, TransferStatus_Failure, 7},
+    {"ReceiverSkips", false, TransferStatus_FileAbort, Protocol_ZModem},
+    {"ReceiverFails", false, TransferStatus_Failure, Protocol_XModem1K},
+    {"ReceiverHasNoEngine", false, TransferStatus_Failure, 7},
+};
+
+class TransferEndedDestroyed : public TransferEndings, public testing::WithParamInterface<DestroyCase> {};
+
+} // namespace
+
+// The receiver can't make its file.
+TEST_P(TransferEndedDestroyed, InsideAnEventThatTellsNoSuccess) {
+    constexpr DWORD promptly = 1500; // ms: a worker that has to be terminated takes longer
+    Use(GetParam().nProtocol);
+    SetXferPath(receiver, in.In("no such folder").c_str());
+    const bool ofSender = GetParam().ofSender;
+    CommObject& victim = ofSender ? sender : receiver;
+    CommObject& other = ofSender ? receiver : sender;
+    int destroyed = -1;
+    DWORD took = 0;
+    (ofSender ? sent : received).onStatus = [&](int status) {
+        if (status != GetParam().status || destroyed >= 0)
+            return;
+        const Clock clock;
+        destroyed = DestroyCommObject(victim);
+        took = clock.Gone();
+    };
+    ASSERT_EQ(Download(receiver, ""), 1);
+    ASSERT_EQ(Upload(sender, out.Write("a", Contents(5000)).c_str()), 1);
+    ASSERT_TRUE(PumpUntil([&] { return destroyed >= 0; }, limit));
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_FALSE(IsWindow(victim));
+    EXPECT_LT(took, promptly);
+    AbortTransfer(other);
+    EXPECT_TRUE(PumpUntil([&] { return GetTransferType(other) == XferNone; }, limit));
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, TransferEndedDestroyed, testing::ValuesIn(destroyCases),
+                         [](const auto& info) { return std::string(info.param.name); });
