@@ -306,6 +306,17 @@ TEST_F(Event, ErrorIsPendingOnlyDuringItsDelivery) {
     EXPECT_EQ(inside, 0) << "no error code";
 }
 
+TEST_F(Event, CodesFromAThousandOnAreErrors) {
+    host::CommObject object;
+    int inside = -1;
+    object.OnEventDo([&](int) { inside = RecordOf(object)->nPendingError; });
+    for (const int code : {100, 999, 1000, 1001}) {
+        Notify(object, code);
+        EXPECT_EQ(inside, code >= 1000 ? code : 0);
+        EXPECT_EQ(GetLastCommEvent(object), code);
+    }
+}
+
 TEST_F(Event, GetLastCommErrorTakesTheErrorInItsHandler) {
     host::CommObject object;
     int first = 0, second = -1;

@@ -8,7 +8,29 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <thread>
+
+namespace {
+
+bool quietMemoryIsOut = false;
+
+// While it lives, allocations that may fail without an exception do.
+class NoQuietMemory {
+  public:
+    NoQuietMemory() { quietMemoryIsOut = true; }
+    ~NoQuietMemory() { quietMemoryIsOut = false; }
+    NoQuietMemory(const NoQuietMemory&) = delete;
+    NoQuietMemory& operator=(const NoQuietMemory&) = delete;
+};
+
+constexpr char libraryOfNoUse[] = "lz32.dll"; // that nothing else in the process loads
+
+} // namespace
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return quietMemoryIsOut ? nullptr : std::malloc(size ? size : 1);
+}
 
 namespace {
 
@@ -59,6 +81,9 @@ TEST(Life, NamedObjectIsAlwaysAChild) {
         CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     const HWND object = CreateCommObjectName(parent, "line one");
     EXPECT_TRUE(GetWindowLongA(object, GWL_STYLE) & WS_CHILD);
+    wchar_t title[16] = {};
+    InternalGetWindowText(object, title, static_cast<int>(std::size(title)));
+    EXPECT_EQ(std::wstring(title), L"line one") << "although the window says that it has none";
     DestroyWindow(parent);
 }
 
@@ -121,6 +146,44 @@ TEST(Life, DestructionLeavesNoRecord) {
     EXPECT_FALSE(IsLive(record));
     EXPECT_EQ(LiveObjectCount(), before);
     EXPECT_EQ(DestroyCommObject(object), 0);
+}
+
+// Counts objects of this process from the first one on, which the environment makes before any test runs.
+class FirstObject : public testing::Environment {
+  public:
+    void SetUp() override {
+        const host::CommObject object;
+        name = RecordOf(object)->szName;
+    }
+    static std::string name;
+};
+
+std::string FirstObject::name;
+
+[[maybe_unused]] const auto* const firstObject = testing::AddGlobalTestEnvironment(new FirstObject);
+
+TEST(Life, FirstObjectOfAProcessIsComm1) {
+    EXPECT_EQ(FirstObject::name, "Comm1");
+}
+
+TEST(Life, CreationFailsWithoutMemoryForTheRecord) {
+    const int before = LiveObjectCount();
+    {
+        const NoQuietMemory none;
+        EXPECT_EQ(CreateCommObject(nullptr), nullptr);
+    }
+    EXPECT_EQ(LiveObjectCount(), before);
+    const host::CommObject object;
+    EXPECT_NE(RecordOf(object), nullptr) << "and the next one is made";
+}
+
+TEST(Life, DestructionFreesALibraryThatTheRecordHolds) {
+    ASSERT_EQ(GetModuleHandleA(libraryOfNoUse), nullptr);
+    const HWND object = CreateCommObject(nullptr);
+    RecordOf(object)->hLibrary = LoadLibraryA(libraryOfNoUse);
+    ASSERT_NE(GetModuleHandleA(libraryOfNoUse), nullptr);
+    DestroyCommObject(object);
+    EXPECT_EQ(GetModuleHandleA(libraryOfNoUse), nullptr);
 }
 
 struct Attempt {
@@ -209,6 +272,59 @@ const DeadHandleRow deadHandleRows[] = {
     {"SetWireTapTransfer", [](HWND h) { return SetWireTapTransfer(h, 1) == 0; }},
     {"SetHooks",
      [](HWND h) { return SetEventHandler(h, nullptr), SetEventWindow(h, h), SetIdleLoop(h, nullptr), true; }},
+
+    {"GetEmulation", [](HWND h) { return SetEmulation(h, 2), GetEmulation(h) == 0; }},
+    {"GetRows", [](HWND h) { return SetRows(h, 10), GetRows(h) == 0; }},
+    {"GetColumns", [](HWND h) { return SetColumns(h, 10), GetColumns(h) == 0; }},
+    {"GetScrollRows", [](HWND h) { return SetScrollRows(h, 10) == 0 && GetScrollRows(h) == 0; }},
+    {"GetCursorRow", [](HWND h) { return SetCursorRow(h, 1), GetCursorRow(h) == 0; }},
+    {"GetCursorColumn", [](HWND h) { return SetCursorColumn(h, 1), GetCursorColumn(h) == 0; }},
+    {"GetColor", [](HWND h) { return SetColor(h, 1), GetColor(h) == 0; }},
+    {"GetColorFilter", [](HWND h) { return SetColorFilter(h, 1), GetColorFilter(h) == 0; }},
+    {"GetAutoScroll", [](HWND h) { return SetAutoScroll(h, 1), GetAutoScroll(h) == 0; }},
+    {"GetAutoSize", [](HWND h) { return SetAutoSize(h, 1, nullptr), GetAutoSize(h) == 0; }},
+    {"SetScrollBars", [](HWND h) { return SetHScrollBar(h, h), SetVScrollBar(h, h), true; }},
+    {"TerminalPrintString", [](HWND h) { return TerminalPrintString(h, "x"), SetContents(h, "x", 1), true; }},
+    {"GetContents",
+     [](HWND h) { return GetContents(h, buffer, sizeof buffer) == 0 && GetContentsLength(h) == 0; }},
+    {"GetScrollContents",
+     [](HWND h) {
+         return GetScrollContents(h, buffer, sizeof buffer) == 0 && GetScrollContentsLength(h) == 0;
+     }},
+    {"GetTextAt", [](HWND h) { return *GetTextAt(h, 0, 0) == '\0'; }},
+    {"GetSelectionStart", [](HWND h) { return SetSelectionStart(h, 1) == 0 && GetSelectionStart(h) == 0; }},
+    {"GetSelectionLength",
+     [](HWND h) { return SetSelectionLength(h, 1) == 0 && GetSelectionLength(h) == 0; }},
+    {"GetSelectionText", [](HWND h) { return GetSelectionText(h, buffer, sizeof buffer) == 0; }},
+    {"CopySelectionToClipboard", [](HWND h) { return CopySelectionToClipboard(h) == 0; }},
+    {"PaintCommWindow", [](HWND h) { return PaintCommWindow(h, nullptr, 0, 0, 80, 25), true; }},
+    {"GetCaptureMode", [](HWND h) { return SetCaptureMode(h, 1), GetCaptureMode(h) == 0; }},
+    {"SetCaptureFilename", [](HWND h) { return SetCaptureFilename(h, "capture.txt") == 0; }},
+
+    {"GetProtocol", [](HWND h) { return SetProtocol(h, 1), GetProtocol(h) == 0; }},
+    {"GetResumeMethod", [](HWND h) { return SetResumeMethod(h, 1), GetResumeMethod(h) == 0; }},
+    {"Upload", [](HWND h) { return SetXferPath(h, "."), Upload(h, "file") == 0; }},
+    {"Download", [](HWND h) { return SetDestFilename(h, "file"), Download(h, "file") == 0; }},
+    {"StartTransfer", [](HWND h) { return StartTransfer(h) == nullptr; }},
+    {"Abort", [](HWND h) { return AbortTransfer(h), AbortCurrentFile(h), true; }},
+    {"WaitUntilTransferIsFinished", [](HWND h) { return WaitUntilTransferIsFinished(h), true; }},
+    {"GetTransferType", [](HWND h) { return GetTransferType(h) == 0 && GetTransferStatus(h) == 0; }},
+    {"GetTransferFileSize",
+     [](HWND h) { return GetTransferFileSize(h) == 0 && GetTransferBytesTransferred(h) == 0; }},
+    {"GetSourceFilename",
+     [](HWND h) {
+         return GetSourceFilename(h, buffer, sizeof buffer) == 0 && GetSourceFilenameLength(h) == 0;
+     }},
+    {"GetDestFilename",
+     [](HWND h) { return GetDestFilename(h, buffer, sizeof buffer) == 0 && GetDestFilenameLength(h) == 0; }},
+
+    {"InitModem", [](HWND h) { return InitModem(h) == 0 && InitModemForAnswer(h) == 0; }},
+    {"CheckModem", [](HWND h) { return CheckModem(h) == 0 && WaitForOk(h) == 0; }},
+    {"OutputModem", [](HWND h) { return OutputModem(h, "AT") == 0; }},
+    {"Dial", [](HWND h) { return Dial(h, "1") == 0 && HangUp(h) == 0 && Disconnect(h) == 0; }},
+    {"GetModemOptions", [](HWND h) { return SetModemOptions(h, "x"), GetModemOptions(h, buffer) == 0; }},
+    {"FillWithModemNames",
+     [](HWND h) { return FillListWithModemNames(h, h) == 0 && FillComboWithModemNames(h, h) == 0; }},
 };
 
 void ExpectSilence(HWND handle, const char* what) {

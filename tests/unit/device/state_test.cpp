@@ -154,6 +154,19 @@ TEST_F(State, SettersRebuildOrDoNot) {
     }
 }
 
+TEST_F(State, HandshakingChangedInATransferLeavesXOnAndXOffData) {
+    OpenWithTimer();
+    for (const int transfer : {1, 2, 0}) {
+        Record().nTransferType = transfer;
+        for (const int handshaking : {1, 3}) {
+            SetHandshaking(object, handshaking);
+            const DCB given = device.StatesGiven().back();
+            EXPECT_EQ(given.fInX, transfer ? 0u : 1u) << handshaking << " in " << transfer;
+            EXPECT_EQ(given.fOutX, transfer ? 0u : 1u) << handshaking << " in " << transfer;
+        }
+    }
+}
+
 TEST_F(State, SettersLeaveAClosedDeviceAlone) {
     for (const SetterRow& row : setterRows)
         row.set(object);

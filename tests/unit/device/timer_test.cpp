@@ -82,6 +82,29 @@ TEST_F(TickSource, SerialProcessingForcesTheThresholdOfAnOpenPort) {
     }
 }
 
+struct SetterRow {
+    const char* name;
+    void (*set)(HWND);
+};
+
+constexpr SetterRow setterRows[] = {
+    {"SetAutoProcess", [](HWND h) { SetAutoProcess(h, 1); }},
+    {"SetInterval", [](HWND h) { SetInterval(h, 9); }},
+    {"SetRThreshold", [](HWND h) { SetRThreshold(h, 7); }},
+    {"SetSThreshold", [](HWND h) { SetSThreshold(h, 7); }},
+    {"SetCaptureMode", [](HWND h) { SetCaptureMode(h, 1); }},
+};
+
+TEST_F(TickSource, EachSetterOfItsFamilySetsItUpAgain) {
+    SetAutoProcess(object, TARN_PROCESS_SERIAL);
+    OpenWithTimer();
+    for (const SetterRow& row : setterRows) {
+        Record().nRThreshold = 5;
+        row.set(object);
+        EXPECT_EQ(GetRThreshold(object), 1) << row.name;
+    }
+}
+
 TEST_F(TickSource, TransferKeepsTheTickAway) {
     SetRThreshold(object, 1);
     OpenWithTimer();
@@ -127,6 +150,17 @@ TEST_F(ConnectedControl, LongIntervalIsOneTimer) {
     EXPECT_NE(Record().idTimer, 0u);
     EXPECT_EQ(Record().lpMonitorThread, nullptr);
     EXPECT_EQ(TicksIn(watched), 0);
+}
+
+TEST_F(ConnectedControl, ShortIntervalTakesThePlaceOfThe55Milliseconds) {
+    OpenWithTimer(10);
+    EXPECT_GE(TicksIn(550), 12);
+}
+
+TEST_F(ConnectedControl, ObjectWithoutAControlIsLikeNone) {
+    Record().lpControl = nullptr;
+    OpenWithMonitor();
+    EXPECT_EQ(Record().idTimer, 0u);
 }
 
 TEST_F(ConnectedControl, WithoutAConnectionIsLikeNone) {

@@ -164,6 +164,18 @@ TEST_F(Keyboard, EscWhileScrolledBackOnlyShowsTheScreen) {
     EXPECT_EQ(SentByChar(0x1B), "\x1B");
 }
 
+TEST_F(Keyboard, EscAsItIsPressedLeavesTheViewToItsCharacter) {
+    object.ShowCells(80, 10);
+    SetScrollRows(object, 20);
+    SendMessageA(object, WM_VSCROLL, SB_PAGEUP, 0);
+    ASSERT_EQ(Record().nTopRow, -10);
+    Key(VK_ESCAPE);
+    EXPECT_EQ(SentByChar(0x1B), "");
+    EXPECT_EQ(Record().nTopRow, 0);
+    Key(VK_ESCAPE);
+    EXPECT_EQ(SentByChar(0x1B), "\x1B");
+}
+
 TEST_F(Keyboard, OtherCharactersGoOutWhileScrolledBack) {
     SetScrollRows(object, 20);
     Record().nTopRow = -3;

@@ -292,6 +292,15 @@ TEST_F(Selection, DraggingSelects) {
     EXPECT_EQ(Selected(), (Corners{0, 1, 2, 5})) << "no more";
 }
 
+TEST_F(Selection, ButtonsTakeTheFocus) {
+    ShowWindow(object, SW_SHOW);
+    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK}) {
+        SetFocus(nullptr);
+        Mouse(message, PointIn(5, 2));
+        EXPECT_EQ(GetFocus(), static_cast<HWND>(object)) << message;
+    }
+}
+
 TEST_F(Selection, ClickBehindTheRowsEndSelectsNothing) {
     Mouse(WM_LBUTTONDOWN, MAKELPARAM(5000, 3));
     Mouse(WM_LBUTTONUP, MAKELPARAM(5000, 3));
@@ -353,6 +362,19 @@ TEST_F(Selection, IsCopiedToTheClipboard) {
     Select({0, 0, 1, 80});
     ASSERT_EQ(CopySelectionToClipboard(object), 1);
     EXPECT_EQ(ClipboardText(), "one\r\n" + std::string(80, 'x'));
+}
+
+TEST_F(Selection, OtherFormatsStayOnTheClipboard) {
+    const UINT format = RegisterClipboardFormatA("TarnOtherFormat");
+    ASSERT_TRUE(OpenClipboard(object));
+    EmptyClipboard();
+    SetClipboardData(format, GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, 4));
+    CloseClipboard();
+    object.PutText(0, 0, "one");
+    Select({0, 0, 0, 3});
+    ASSERT_EQ(CopySelectionToClipboard(object), 1);
+    EXPECT_EQ(ClipboardText(), "one");
+    EXPECT_TRUE(IsClipboardFormatAvailable(format));
 }
 
 // Has the clipboard open on a thread of its own.

@@ -160,6 +160,15 @@ TEST_F(CaretPlace, FocusMakesAndEndsIt) {
     EXPECT_EQ(Record().bCaret, 0);
 }
 
+TEST_F(CaretPlace, IsTwoPixelsWideAndALineHigh) {
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof info;
+    ASSERT_TRUE(GetGUIThreadInfo(GetCurrentThreadId(), &info));
+    EXPECT_EQ(info.hwndCaret, static_cast<HWND>(object));
+    EXPECT_EQ(info.rcCaret.right - info.rcCaret.left, 2);
+    EXPECT_EQ(info.rcCaret.bottom - info.rcCaret.top, Record().cyChar);
+}
+
 TEST_F(CaretPlace, StandsAtTheCursor) {
     SetCursorRow(object, 3);
     SetCursorColumn(object, 5);
