@@ -158,6 +158,18 @@ TEST_F(Data, LinesAreReadAsTheyEnd) {
     }
 }
 
+TEST_F(Data, LinesAreShownAndSentBackWithTheirEnds) {
+    SetInputTimeOut(object, 1000);
+    SetInputEcho(object, 1);
+    SetCommEcho(object, 1);
+    Arrive("\none\r");
+    char text[16];
+    EXPECT_EQ(GetLineInput(object, text, sizeof text), 3);
+    EXPECT_STREQ(text, "one");
+    EXPECT_EQ(shown, "\none\r");
+    EXPECT_EQ(peer.Read(5), "\none\r");
+}
+
 TEST_F(Data, LineTimeOutOfZeroTakesOnlyWhatIsThere) {
     SetInputTimeOut(object, 0);
     char text[16];
@@ -197,6 +209,14 @@ TEST_F(Data, FlushInputWaitsButDoesNotPurge) {
     EXPECT_EQ(FlushInputBuffer(object, 120), 0);
     EXPECT_GE(GetTickCount() - start, 110u);
     EXPECT_EQ(GetInBufferCount(object), 6);
+}
+
+TEST_F(Data, ClosedPortHasNothingToFlush) {
+    Arrive("unread");
+    object.Close();
+    RecordOf(object)->lpOverlappedWrite->Write("kept", 4);
+    EXPECT_EQ(FlushInputBuffer(object, 5000), 1);
+    EXPECT_EQ(FlushOutputBuffer(object, 5000), 1);
 }
 
 TEST_F(Data, FlushOutputWaitsForTheLine) {

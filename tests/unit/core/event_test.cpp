@@ -256,6 +256,29 @@ TEST_F(Event, HandlerComesFirst) {
     EXPECT_TRUE(CommandWindow::commands.empty());
 }
 
+struct Call {
+    HWND object;
+    int id;
+    int code;
+    bool operator==(const Call&) const = default;
+};
+
+std::vector<Call> calls;
+
+void CALLBACK KeepCall(HWND object, int id, int code) {
+    calls.push_back({object, id, code});
+}
+
+TEST_F(Event, HandlerIsToldWindowIdentifierAndCode) {
+    const CommandWindow parent;
+    const HWND object = CreateCommObject(parent);
+    SetWindowLongPtrA(object, GWLP_ID, 42);
+    SetEventHandler(object, KeepCall);
+    calls.clear();
+    Notify(object, TARN_EVENT_CTS);
+    EXPECT_TRUE(calls == std::vector{(Call{object, 42, TARN_EVENT_CTS})});
+}
+
 TEST_F(Event, WithoutHandlerTheParentGetsACommand) {
     const CommandWindow parent;
     const HWND object = CreateCommObject(parent);

@@ -3,6 +3,9 @@
 
 #include "core/portmonitor.h"
 #include "core/writer.h"
+#include "unit/diagnostics/logfiles.h"
+
+#include <thread>
 
 namespace {
 
@@ -60,6 +63,27 @@ TEST_F(Close, DestructionClosesInTheSameOrder) {
     EXPECT_THAT(device.CallsOf(closingCalls),
                 ElementsAre("PurgeComm 8", "PurgeComm 4", "EscapeCommFunction 6", "PurgeComm 15",
                             "SetCommMask 0", "CancelIoEx nothing", "CloseHandle"));
+}
+
+// Looks while the port is being closed, which takes its time since a write is never let go.
+TEST_F(Close, DestructionEndsTheCaptureBeforeThePort) {
+    const std::string path = logfiles::WindowsFolderFile("captured.txt");
+    OpenWithTimer();
+    ASSERT_EQ(SetCaptureFilename(object, path.c_str()), 1);
+    LeaveAWritePending();
+    device.LetGo(false);
+    bool captureIsOver = false;
+    std::thread onlooker([&] {
+        const host::Stopwatch stopwatch;
+        while (!device.Saw("PurgeComm 8") && stopwatch.Milliseconds() < 5000)
+            SwitchToThread();
+        captureIsOver = DeleteFileA(path.c_str());
+    });
+    EXPECT_EQ(DestroyCommObject(object), 1);
+    onlooker.join();
+    EXPECT_TRUE(captureIsOver);
+    device.LetGo(true);
+    device.CompleteWrite(); // into memory that the writer must have left alone
 }
 
 struct TimeRow {

@@ -160,4 +160,13 @@ TEST_F(DeviceError, ClearingTheOutputLeavesTheRing) {
     EXPECT_EQ(GetOutBufferCount(object), 6);
 }
 
+TEST_F(DeviceError, ClosedPortIsNotPurged) {
+    device.Forget();
+    Record().bPortOpen = 0; // and the handle still there
+    ClearOutputBuffer(object);
+    ClearInputBuffer(object);
+    EXPECT_THAT(device.Calls(), IsEmpty());
+    Record().bPortOpen = 1;
+}
+
 } // namespace

@@ -49,6 +49,7 @@ TEST_P(LastEvent, ObjectMayEndInIt) {
 INSTANTIATE_TEST_SUITE_P(Events, LastEvent, testing::Range(size_t{0}, everything.size()));
 
 TEST_F(Thresholds, SignalsOfAPortThatAnEventClosedAreNoEvents) {
+    device.SetModemStatus(MS_CTS_ON | MS_DSR_ON | MS_RLSD_ON);
     OpenWithTimer();
     LayEverything();
     object.OnEventDo([&](int code) {
