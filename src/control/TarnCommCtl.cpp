@@ -102,7 +102,7 @@ void CTarnCommCtl::FinalRelease() {
 
 // What was open goes with its object.
 void CTarnCommCtl::EndConnection() {
-    CloseDialog();
+    m_OpenDialog.Close();
     if (m_bTapiCall)
         m_Tapi.HangUp();
     m_hCallDevice = INVALID_HANDLE_VALUE;
@@ -154,7 +154,7 @@ bool CTarnCommCtl::OnWindowCreated() {
 
 void CTarnCommCtl::OnWindowDestroyed() {
     m_bCreated = false;
-    CloseDialog();
+    m_OpenDialog.Close();
     m_hWndToolbar = nullptr; // they go with the window
     m_hWndStatusbar = nullptr;
     DropWindowObject();
@@ -219,7 +219,7 @@ LRESULT CALLBACK CTarnCommCtl::CommWindowProc(HWND window, UINT message, WPARAM 
         RemoveWindowSubclass(window, CommWindowProc, commWindowHook);
         if (self->m_hWndComm == window) {
             self->m_hWndComm = nullptr; // destroyed behind the control's back
-            self->CloseDialog();
+            self->m_OpenDialog.Close();
         }
         return DefSubclassProc(window, message, wParam, lParam);
     }
@@ -287,7 +287,7 @@ void CTarnCommCtl::OnAmbientChanged(DISPID) {}
 // Without a site there may be nobody any more.
 void CTarnCommCtl::OnClientSite(IOleClientSite* site) {
     if (!site)
-        CloseDialog();
+        m_OpenDialog.Close();
 }
 
 // Tab and arrows belong to the terminal.

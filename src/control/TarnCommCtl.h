@@ -19,10 +19,12 @@
 #include "controlproperties.h"
 #include "fontinuse.h"
 #include "modem/TapiApp.h"
+#include "opendialog.h"
 #include "persistence.h"
 #include "propertylog.h"
 #include "TarnLink.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -71,6 +73,15 @@ class CTarnCommCtl final
     // What the bars show, and which buttons can be pressed.
     void UpdateStatus();
     void SetWireTapFlags();
+
+    // Whether this is the comm object still, after what may have run the host.
+    bool Has(HWND object) const;
+
+    // Shows a dialog, one of this module's or one of the system's, over the owner that it was made with.
+    // True: the user confirmed, and the comm object is the one that it was. The caller holds the control.
+    bool Ask(CMyDialog& dialog);
+    bool Ask(const std::function<bool()>& systemDialog);
+    HWND DialogOwner() const; // where nothing else is asked for
 
     // The dialog for port and number. True: the user confirmed, and the properties are set.
     bool ChooseConnection();
@@ -335,7 +346,6 @@ class CTarnCommCtl final
     bool HasOtherDevice() const;
     void TakeCallDevice(HANDLE hComm);
     ULONG References();
-    void CloseDialog();
 
     // Messages of the comm object's window, before it has them. True: answered by result.
     bool OnCommWindowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
@@ -362,7 +372,7 @@ class CTarnCommCtl final
     ComPtr<CScriptExtension> m_pScriptExtension;
     ComPtr<CTapiLocation> m_pLocations;
     ComPtr<CCommPort> m_pCommPorts;
-    CMyDialog* m_pDialog = nullptr; // the one that is open
+    OpenDialog m_OpenDialog;
     CTapiApp m_Tapi;
 };
 

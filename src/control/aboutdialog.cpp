@@ -13,7 +13,8 @@ bool CAboutDialog::OnInitDialog() {
 
 STDMETHODIMP CTarnCommCtl::About() {
     return Body([&]() -> HRESULT {
-        CAboutDialog(Window() ? Window() : GetActiveWindow()).DoModal();
+        CAboutDialog dialog(DialogOwner());
+        Ask(dialog);
         return S_OK;
     });
 }

@@ -39,13 +39,14 @@ std::string ClipboardText(HWND object) {
     return copy;
 }
 
-void ShowSerialPort(HWND object) {
+void ShowSerialPort(CTarnCommCtl& control) {
+    const HWND object = control.CommObject();
     char text[TARN_SETTINGS_TEXT_SIZE] = {};
     GetSettings(object, text);
     std::string settings = text;
     int handshaking = GetHandshaking(object);
     CSerialPortProperties dialog(GetActiveWindow(), settings, handshaking);
-    if (dialog.DoModal() != IDOK)
+    if (!control.Ask(dialog))
         return;
     SetSettings(object, settings.c_str());
     SetHandshaking(object, handshaking);
@@ -93,8 +94,8 @@ void commandactions::Disconnect(CTarnCommCtl& control) {
 }
 
 void commandactions::SendFile(CTarnCommCtl& control) {
-    CSendFileDialog dialog(control.Window(), GetProtocol(control.CommObject()), "");
-    if (dialog.DoModal() != IDOK)
+    CSendFileDialog dialog(control.DialogOwner(), GetProtocol(control.CommObject()), "");
+    if (!control.Ask(dialog))
         return;
     control.put_XferProtocol(static_cast<XferProtocol>(dialog.nProtocol));
     Upload(control.CommObject(), dialog.szPath.data());
@@ -103,8 +104,8 @@ void commandactions::SendFile(CTarnCommCtl& control) {
 
 void commandactions::ReceiveFile(CTarnCommCtl& control) {
     const std::string folder = AnsiOf(control.Properties().m_sXferPath);
-    CReceiveFileDialog dialog(control.Window(), GetProtocol(control.CommObject()), folder.c_str());
-    if (dialog.DoModal() != IDOK)
+    CReceiveFileDialog dialog(control.DialogOwner(), GetProtocol(control.CommObject()), folder.c_str());
+    if (!control.Ask(dialog))
         return;
     control.put_XferProtocol(static_cast<XferProtocol>(dialog.nProtocol));
     control.put_XferPath(_bstr_t(WideOf(dialog.szPath.data()).c_str()));
@@ -124,15 +125,18 @@ void commandactions::Font(CTarnCommCtl& control) {
     choice.lStructSize = sizeof choice;
     choice.hwndOwner = GetParent(control.Window());
     choice.lpLogFont = &font;
-    ChooseFontA(&choice);
+    control.Ask([&] { return ChooseFontA(&choice) != FALSE; });
 }
 
 void commandactions::PortProperties(CTarnCommCtl& control) {
     const int line = control.Telephony().FindModem(control.Properties().m_szPort);
     if (line == noLine)
-        ShowSerialPort(control.CommObject());
+        ShowSerialPort(control);
     else
-        control.Telephony().ConfigDialog(static_cast<DWORD>(line), GetActiveWindow());
+        control.Ask([&] {
+            control.Telephony().ConfigDialog(static_cast<DWORD>(line), GetActiveWindow());
+            return true;
+        });
     control.UpdateStatus();
 }
 

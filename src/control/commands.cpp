@@ -52,7 +52,7 @@ bool Open(CTarnCommCtl& control, const ControlCommand& command) {
     V_VT(&given[1]) = VT_BOOL | VT_BYREF;
     V_BOOLREF(&given[1]) = &cancel;
     control.Fire(events::Command, given);
-    return cancel == VARIANT_FALSE && control.CommObject() == object && ControlOf(object) == &control;
+    return cancel == VARIANT_FALSE && control.Has(object);
 }
 
 } // namespace

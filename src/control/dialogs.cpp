@@ -29,27 +29,34 @@ void Apply(CTarnCommCtl& control, const ConnectionChoice& choice, const Connecti
 
 } // namespace
 
-// The dialog goes with what it is about, though the window that it stands over may stay.
+bool CTarnCommCtl::Has(HWND object) const {
+    return CommObject() == object && ControlOf(object) == this;
+}
+
+bool CTarnCommCtl::Ask(CMyDialog& dialog) {
+    const HWND object = CommObject();
+    return m_OpenDialog.Show(dialog) && Has(object);
+}
+
+bool CTarnCommCtl::Ask(const std::function<bool()>& systemDialog) {
+    const HWND object = CommObject();
+    return m_OpenDialog.Show(systemDialog) && Has(object);
+}
+
+HWND CTarnCommCtl::DialogOwner() const {
+    return Window() ? Window() : GetActiveWindow();
+}
+
 bool CTarnCommCtl::ChooseConnection() {
-    if (m_pDialog)
-        return false; // one at a time
     const ConnectionChoice before = ChoiceOf(CommObject(), m_Properties);
     ConnectionChoice choice = before;
     const ComPtr<CCommPort> ports = m_pCommPorts;
     const auto portNames = [&] { return ports->Contents().Names(); };
-    CConnectionProperties dialog(Window() ? Window() : GetActiveWindow(), choice, m_Tapi, portNames);
-    m_pDialog = &dialog;
-    const bool confirmed = dialog.DoModal() == IDOK;
-    m_pDialog = nullptr;
-    if (!confirmed || ControlOf(CommObject()) != this)
+    CConnectionProperties dialog(DialogOwner(), choice, m_Tapi, portNames);
+    if (!Ask(dialog))
         return false;
     Apply(*this, choice, before);
     return true;
-}
-
-void CTarnCommCtl::CloseDialog() {
-    if (m_pDialog)
-        m_pDialog->Close();
 }
 
 // What a connection that is there or under way was made with stays until it ends: then there is no dialog.

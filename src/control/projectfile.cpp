@@ -3,7 +3,6 @@
 #include "ansi.h"
 #include "core/comobject.h"
 #include "inifile.h"
-#include "objectaccess.h"
 #include "TarnComm.h"
 #include "TarnCommCtl.h"
 
@@ -36,8 +35,7 @@ HWND OwnerOf(const CTarnCommCtl& control) {
     return control.Window() ? GetParent(control.Window()) : nullptr;
 }
 
-// The name stands in the dialog at first. False: cancelled, or the control has lost its comm object
-// meanwhile.
+// The name stands in the dialog at first. False: cancelled, refused, or too late.
 bool AskForName(CTarnCommCtl& control, const FileDialog& dialog, const std::string& name) {
     FileName szName = {};
     std::snprintf(szName.data(), szName.size(), "%s", name.c_str());
@@ -51,7 +49,7 @@ bool AskForName(CTarnCommCtl& control, const FileDialog& dialog, const std::stri
     choice.lpstrTitle = dialog.szTitle;
     choice.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | dialog.flags;
     choice.lpstrDefExt = ".tlo";
-    if (!dialog.show(&choice) || !IsWindow(control.CommObject()))
+    if (!control.Ask([&] { return dialog.show(&choice) != FALSE; }))
         return false;
     control.Properties().m_sProjectFilename = WideOf(szName.data());
     return true;
@@ -87,7 +85,7 @@ void Read(CTarnCommCtl& control) {
 // A control without its comm object has nothing to write over a good project.
 void Write(const CTarnCommCtl& control, const char* szPort) {
     const HWND object = control.CommObject();
-    if (ControlOf(object) != &control)
+    if (!control.Has(object))
         return;
     char szSettings[TARN_SETTINGS_TEXT_SIZE] = {};
     GetSettings(object, szSettings);
@@ -102,10 +100,11 @@ void Write(const CTarnCommCtl& control, const char* szPort) {
 
 void OpenProject(CTarnCommCtl& control) {
     const ComPtr<CTarnCommCtl> held(&control);
+    const HWND object = control.CommObject();
     const std::wstring& name = control.Properties().m_sProjectFilename;
     if (name.empty())
         AskForFileToOpen(control);
-    if (!name.empty())
+    if (!name.empty() && control.Has(object)) // the host may have named one meanwhile
         Read(control);
 }
 

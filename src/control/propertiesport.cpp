@@ -123,6 +123,7 @@ STDMETHODIMP CTarnCommCtl::put_CommHandle(LONG value) {
         SetCommID(CommObject(), device);
         m_bConnected = device != INVALID_HANDLE_VALUE;
         Log().Assigned("CommHandle", value);
+        UpdateStatus();
         return S_OK;
     });
 }

@@ -9,7 +9,7 @@ namespace {
 
 class ControlReport final : public TroubleShootHost {
   public:
-    explicit ControlReport(CTarnCommCtl& control) : control_(control) {}
+    explicit ControlReport(CTarnCommCtl& control) : control_(control), object_(control.CommObject()) {}
 
     std::vector<TroubleShootModem> Modems() override {
         std::vector<TroubleShootModem> modems;
@@ -27,6 +27,8 @@ class ControlReport final : public TroubleShootHost {
     std::string CaptureFilename() override { return AnsiOf(control_.Properties().m_sCaptureFilename); }
 
     void SetWireTap(bool on) override {
+        if (!control_.Has(object_))
+            return;
         if (!on) { // the property's setter can't
             control_.Properties().m_bWireTap = 0;
             control_.SetWireTapFlags();
@@ -38,7 +40,8 @@ class ControlReport final : public TroubleShootHost {
     }
 
     void SetCaptureFilename(const std::string& name) override {
-        control_.put_CaptureFilename(_bstr_t(WideOf(name).c_str()));
+        if (control_.Has(object_))
+            control_.put_CaptureFilename(_bstr_t(WideOf(name).c_str()));
     }
 
   private:
@@ -50,6 +53,7 @@ class ControlReport final : public TroubleShootHost {
     };
 
     CTarnCommCtl& control_;
+    const HWND object_; // what is set is for this one
 };
 
 } // namespace
@@ -57,7 +61,8 @@ class ControlReport final : public TroubleShootHost {
 STDMETHODIMP CTarnCommCtl::ShowSysInfo() {
     return Body([&] {
         ControlReport report(*this);
-        CTroubleShootDialog(GetActiveWindow(), report).DoModal();
+        CTroubleShootDialog dialog(GetActiveWindow(), report);
+        Ask(dialog);
         return S_OK;
     });
 }

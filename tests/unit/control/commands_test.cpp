@@ -1,11 +1,8 @@
 // The commands of the toolbar, by their buttons and by DoCommand.
-#include "bars.h"
+#include "commandtest.h"
 
-#include "control/toolbar.h"
-#include "support/every.h"
+#include "core/handle.h"
 #include "terminal/openclipboard.h"
-#include "transfer/filedialogs.h"
-#include "unit/dialogs/dialoguser.h"
 
 #include <cstring>
 #include <thread>
@@ -14,50 +11,7 @@ namespace {
 
 using host::Lines;
 
-constexpr int choose = IDOK;
-constexpr int fontFaces = 0x470; // of the system's dialog
-
-class Commands : public host::BarsTest {
-  public:
-    ~Commands() override { dialogUser_.reset(); }
-
-    HRESULT Do(int command) { return control->DoCommand(std::bit_cast<CommCommand>(command)); }
-    void Press(int button) { host::Click(Control(), button); }
-
-    // As a button would, for commands that have none.
-    void Give(CommCommand command) {
-        const ComPtr<CTarnCommCtl> held = control;
-        RunCommand(*held.Get(), *CommandOf(command), GivenBy::User);
-    }
-
-    void LogAnew() {
-        host::StartLogAnew();
-        DeleteFileA(logfiles::WireTapPath().c_str());
-        LogEvents();
-        control->Properties().m_bWireTapProperties = trueFlag;
-    }
-    void Veto() {
-        ear.onEvent = [](DISPID id, DISPPARAMS& arguments) {
-            if (id == events::Command)
-                *V_BOOLREF(&host::Argument(arguments, 1)) = VARIANT_TRUE;
-        };
-    }
-
-    // Acts in the dialog that has the item, once it is open.
-    void InDialog(int item, const dialogs::User& user) {
-        opened = 0;
-        dialogUser_ = dialogs::WhenOpen(item, [this, user](HWND dialog) {
-            ++opened;
-            user(dialog);
-        });
-    }
-    static void Cancel(HWND dialog) { SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0); }
-
-    int opened = 0;
-
-  private:
-    std::unique_ptr<host::Every> dialogUser_;
-};
+class Commands : public host::CommandTest {};
 
 struct OpeningRow {
     CommCommand command;
@@ -119,15 +73,6 @@ TEST_F(Commands, OtherIdentifiersAreNoCommands) {
     for (const int other : {1, 1000, 1001, 1999, 2003, 2012, 2020, 2021, 2022, 2023})
         Press(other);
     EXPECT_EQ(ear.heard, Lines{});
-}
-
-TEST_F(Commands, CodeIsNotAsked) {
-    Show();
-    Veto();
-    for (const int command : {1, 5, 6, 7, 8}) {
-        EXPECT_EQ(Do(command), S_OK);
-        EXPECT_EQ(ear.Count("Command " + std::to_string(command) + " False"), 0);
-    }
 }
 
 TEST_F(Commands, OtherValuesDoNothing) {
@@ -363,152 +308,16 @@ TEST_F(Commands, PasteWithoutTextSendsNothing) {
     EXPECT_EQ(peer.Read(1), "x");
 }
 
+// It doesn't wait for the port to open.
 TEST_F(Commands, PasteIntoAClosedPortIsLost) {
     Show();
+    host::FarEnd peer;
     PutClipboard("lost");
     EXPECT_EQ(Do(CommCommand_Paste), S_OK);
-}
-
-// Dialogs
-
-TEST_F(Commands, SendFileUploadsWithTheChosenProtocol) {
-    Show();
     OpenPort();
-    control->put_XferStatusDialog(Dialog_Hidden);
-    char folder[MAX_PATH] = {}, file[MAX_PATH] = {};
-    GetTempPathA(MAX_PATH, folder);
-    GetTempFileNameA(folder, "cmd", 0, file);
-    control->Properties().m_bAbortTransfer = trueFlag;
-    InDialog(SendFile_Path, [&](HWND dialog) {
-        EXPECT_EQ(dialogs::ItemText(dialog, SendFile_Path), "");
-        EXPECT_EQ(dialogs::Selected(dialog, FileDialog_Protocol), TARN_PROTOCOL_ZMODEM) << "the current one";
-        dialogs::Type(dialog, SendFile_Path, file);
-        dialogs::Choose(dialog, FileDialog_Protocol, TARN_PROTOCOL_XMODEM_CRC);
-        dialogs::Press(dialog, choose);
-    });
-    Press(sendFileButton);
-    EXPECT_EQ(opened, 1);
-    EXPECT_EQ(GetProtocol(Object()), TARN_PROTOCOL_XMODEM_CRC);
-    EXPECT_EQ(control->Properties().m_nXferProtocol, TARN_PROTOCOL_XMODEM_CRC);
-    EXPECT_EQ(GetTransferType(Object()), 1) << "an upload runs";
-    EXPECT_EQ(control->Properties().m_bAbortTransfer, 0);
-    AbortTransfer(Object());
-    WaitUntilTransferIsFinished(Object());
-    DeleteFileA(file);
-}
-
-TEST_F(Commands, ReceiveFileDownloadsIntoTheChosenFolder) {
-    Show();
-    OpenPort();
-    control->put_XferStatusDialog(Dialog_Hidden);
-    control->put_XferPath(_bstr_t(L"C:\\before"));
-    char folder[MAX_PATH] = {};
-    GetTempPathA(MAX_PATH, folder);
-    control->Properties().m_bAbortTransfer = trueFlag;
-    InDialog(ReceiveFile_Folder, [&](HWND dialog) {
-        EXPECT_EQ(dialogs::ItemText(dialog, ReceiveFile_Folder), "C:\\before");
-        dialogs::Type(dialog, ReceiveFile_Folder, folder);
-        dialogs::Choose(dialog, FileDialog_Protocol, TARN_PROTOCOL_YMODEM);
-        dialogs::Press(dialog, choose);
-    });
-    Press(receiveFileButton);
-    EXPECT_EQ(opened, 1);
-    EXPECT_EQ(GetProtocol(Object()), TARN_PROTOCOL_YMODEM);
-    EXPECT_EQ(control->Properties().m_sXferPath, WideOf(folder));
-    EXPECT_EQ(GetTransferType(Object()), 2) << "a download runs";
-    EXPECT_EQ(control->Properties().m_bAbortTransfer, 0);
-    AbortTransfer(Object());
-    WaitUntilTransferIsFinished(Object());
-}
-
-struct DialogRow {
-    CommCommand command;
-    int item;
-};
-
-const DialogRow dialogRows[] = {
-    {CommCommand_SendFile, SendFile_Path},
-    {CommCommand_ReceiveFile, ReceiveFile_Folder},
-    {CommCommand_Properties, Connection_Port},
-    {CommCommand_PortProperties, Serial_Speed},
-};
-
-TEST_F(Commands, ACancelledDialogChangesNothing) {
-    Show();
-    OpenPort();
-    control->Properties().m_bAbortTransfer = trueFlag;
-    for (const DialogRow& row : dialogRows) {
-        InDialog(row.item, Cancel);
-        EXPECT_EQ(Do(row.command), S_OK);
-        EXPECT_EQ(opened, 1) << row.command;
-    }
-    EXPECT_EQ(GetProtocol(Object()), TARN_PROTOCOL_ZMODEM);
-    EXPECT_EQ(GetTransferType(Object()), 0);
-    EXPECT_EQ(control->Properties().m_bAbortTransfer, trueFlag);
-    EXPECT_STREQ(control->Properties().m_szPort, "COM5");
-}
-
-TEST_F(Commands, TheControlMayGoWhileADialogIsOpen) {
-    for (const DialogRow& row : dialogRows) {
-        SCOPED_TRACE(row.command);
-        if (!control) {
-            ASSERT_EQ(NewObject(control), S_OK);
-            ASSERT_EQ(container.Hold(static_cast<ITarnComm*>(control.Get())), S_OK);
-        }
-        Show();
-        InDialog(row.item, [&](HWND dialog) {
-            ear.LoseControl();
-            container.Drop();
-            control.Reset();
-            if (IsWindow(dialog))
-                dialogs::Press(dialog, choose);
-        });
-        const ComPtr<ITarnComm> face(control.Get());
-        face->DoCommand(row.command);
-        EXPECT_EQ(opened, 1);
-    }
-}
-
-TEST_F(Commands, PropertiesSetThePort) {
-    Show();
-    control->put_CommPort(_variant_t(L"COM6"));
-    InDialog(Connection_Port, [&](HWND dialog) {
-        const auto row = dialogs::Tell(dialog, Connection_Port, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                                       reinterpret_cast<LPARAM>("COM5"));
-        ASSERT_GE(row, 0);
-        dialogs::Choose(dialog, Connection_Port, static_cast<int>(row));
-        dialogs::Press(dialog, choose);
-    });
-    Press(propertiesButton);
-    EXPECT_EQ(opened, 1);
-    EXPECT_STREQ(control->Properties().m_szPort, "COM5");
-    EXPECT_EQ(host::PaneOf(Control(), 1), "COM5");
-}
-
-// The comm object alone has them: what is stored stays as it is.
-TEST_F(Commands, PortPropertiesSetTheLine) {
-    Show();
-    control->put_Settings(_bstr_t(L"2400,n,8,1"));
-    control->put_Handshaking(Handshaking_None);
-    InDialog(Serial_Speed, [&](HWND dialog) {
-        dialogs::Type(dialog, Serial_Speed, "19200");
-        dialogs::Choose(dialog, Serial_FlowControl, 0);
-        dialogs::Press(dialog, choose);
-    });
-    Give(CommCommand_PortProperties);
-    EXPECT_EQ(opened, 1);
-    EXPECT_EQ(GetSettingsBaud(Object()), 19200);
-    EXPECT_EQ(control->Properties().m_sSettings, L"2400,n,8,1");
-}
-
-TEST_F(Commands, FontChangesNothing) {
-    Show();
-    ComPtr<IFontDisp> before, after;
-    control->get_Font(before.GetAddressOf());
-    InDialog(fontFaces, [](HWND dialog) { dialogs::Press(dialog, choose); });
-    EXPECT_EQ(Do(CommCommand_Font), S_OK);
-    control->get_Font(after.GetAddressOf());
-    EXPECT_EQ(before.Get(), after.Get());
+    PutClipboard("x");
+    EXPECT_EQ(Do(CommCommand_Paste), S_OK);
+    EXPECT_EQ(peer.Read(1), "x");
 }
 
 } // namespace

@@ -10,6 +10,16 @@ void SetTransferStatusOf(HWND object, int status) {
         record->nTransferStatus = status;
 }
 
+bool LogsAll(HWND object) {
+    const COMCTL* record = RecordOf(object);
+    return record && record->bWireTapInput && record->bWireTapOutput && record->bWireTapTransfer;
+}
+
+bool LogsNothing(HWND object) {
+    const COMCTL* record = RecordOf(object);
+    return record && !record->bWireTapInput && !record->bWireTapOutput && !record->bWireTapTransfer;
+}
+
 void StartLogAnew() {
     ResetWireTap();
 }

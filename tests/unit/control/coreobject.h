@@ -7,6 +7,9 @@
 namespace host {
 
 void SetTransferStatusOf(HWND object, int status);
+// What comes in, what goes out and what transfers tell is logged: all of it, or not a thing.
+bool LogsAll(HWND object);
+bool LogsNothing(HWND object);
 void StartLogAnew();
 
 } // namespace host

@@ -4,62 +4,19 @@
 #include "control/inifile.h"
 #include "control/projectfile.h"
 #include "core/comobject.h"
-#include "support/importdouble.h"
+#include "support/filequestion.h"
 #include "support/systemdialog.h"
-
-#include <commdlg.h>
 
 using namespace controltest;
 
 namespace {
 
-// What a file dialog was asked with.
-struct Question {
-    bool isSave;
-    HWND owner;
-    HINSTANCE module;
-    std::string filter; // with its NULs
-    std::string name;
-    DWORD nameSize;
-    std::string title;
-    std::string extension;
-    DWORD flags;
-};
-
-using Answer = std::function<bool(OPENFILENAMEA& choice)>;
-
-// Stands in place of the system's dialogs while there is an answer.
-struct Dialogs {
-    std::vector<Question> asked;
-    Answer answer;
-};
-Dialogs dialogs;
-
-std::string WithNuls(const char* filter) {
-    const char* end = filter;
-    while (*end)
-        end += std::strlen(end) + 1;
-    return {filter, end};
-}
-
-BOOL Ask(bool isSave, OPENFILENAMEA& choice) {
-    EXPECT_EQ(choice.lStructSize, sizeof choice);
-    dialogs.asked.push_back({isSave, choice.hwndOwner, choice.hInstance, WithNuls(choice.lpstrFilter),
-                             choice.lpstrFile, choice.nMaxFile, choice.lpstrTitle, choice.lpstrDefExt,
-                             choice.Flags});
-    if (dialogs.answer)
-        return dialogs.answer(choice);
-    const char* szName = isSave ? "GetSaveFileNameA" : "GetOpenFileNameA";
-    return host::Platform<decltype(&::GetOpenFileNameA)>("comdlg32.dll", szName)(&choice);
-}
-
-BOOL WINAPI DoubleGetOpenFileNameA(OPENFILENAMEA* choice) {
-    return Ask(false, *choice);
-}
-
-BOOL WINAPI DoubleGetSaveFileNameA(OPENFILENAMEA* choice) {
-    return Ask(true, *choice);
-}
+using host::CancelsFile;
+using host::ChoosesFile;
+using host::DoubleGetOpenFileNameA;
+using host::DoubleGetSaveFileNameA;
+using host::FileQuestion;
+host::FileQuestions& dialogs = host::fileQuestions;
 
 } // namespace
 
@@ -69,20 +26,6 @@ TARN_IMPORT_DOUBLE(GetSaveFileNameA, 4)
 }
 
 namespace {
-
-Answer Chooses(const std::string& name) {
-    return [name](OPENFILENAMEA& choice) {
-        EXPECT_LT(name.size(), choice.nMaxFile);
-        std::strcpy(choice.lpstrFile, name.c_str());
-        return true;
-    };
-}
-
-// What a user has typed before Cancel is of no account.
-bool Cancels(OPENFILENAMEA& choice) {
-    std::strcpy(choice.lpstrFile, "C:\\typed.tlo");
-    return false;
-}
 
 // A folder of the test's own. The system's dialogs make it the current one, which could not be removed.
 class Folder {
@@ -195,13 +138,13 @@ constexpr DialogRow dialogRows[] = {
 
 TEST_F(ProjectFile, DialogsAreAskedWithTheirFields) {
     control.Show();
-    dialogs.answer = Cancels;
+    dialogs.answer = CancelsFile;
     for (const DialogRow& row : dialogRows) {
         SCOPED_TRACE(row.title);
         dialogs.asked.clear();
         Do(row.command);
         ASSERT_EQ(dialogs.asked.size(), 1u);
-        const Question& asked = dialogs.asked.front();
+        const FileQuestion& asked = dialogs.asked.front();
         EXPECT_EQ(asked.isSave, row.isSave);
         EXPECT_EQ(asked.owner, control.Container().window);
         EXPECT_EQ(asked.module, ThisModule());
@@ -211,11 +154,12 @@ TEST_F(ProjectFile, DialogsAreAskedWithTheirFields) {
         EXPECT_EQ(asked.title, row.title);
         EXPECT_EQ(asked.extension, ".tlo");
         EXPECT_EQ(asked.flags, row.flags);
+        EXPECT_FALSE(asked.hasMore);
     }
 }
 
 TEST_F(ProjectFile, ControlWithoutAWindowHasNoOwnerForThem) {
-    dialogs.answer = Cancels;
+    dialogs.answer = CancelsFile;
     for (const DialogRow& row : dialogRows) {
         dialogs.asked.clear();
         Do(row.command);
@@ -225,7 +169,7 @@ TEST_F(ProjectFile, ControlWithoutAWindowHasNoOwnerForThem) {
 }
 
 TEST_F(ProjectFile, CancelLeavesAllAsItWas) {
-    dialogs.answer = Cancels;
+    dialogs.answer = CancelsFile;
     control->put_PhoneNumber(_bstr_t(L"5550000"));
     for (const DialogRow& row : dialogRows) {
         Do(row.command);
@@ -233,12 +177,12 @@ TEST_F(ProjectFile, CancelLeavesAllAsItWas) {
         EXPECT_EQ(PhoneNumber(), "5550000");
     }
     EXPECT_EQ(dialogs.asked.size(), 3u);
-    EXPECT_FALSE(logfiles::FileExists("C:\\typed.tlo"));
+    EXPECT_FALSE(logfiles::FileExists("C:\\typed"));
 }
 
 // The control keeps no difference between no name and an empty one.
 TEST_F(ProjectFile, NoNameIsAskedForHoweverItIsCleared) {
-    dialogs.answer = Cancels;
+    dialogs.answer = CancelsFile;
     for (const DialogRow& row : {dialogRows[0], dialogRows[1]}) {
         dialogs.asked.clear();
         EXPECT_EQ(control->put_ProjectFilename(nullptr), S_OK);
@@ -254,7 +198,7 @@ TEST_F(ProjectFile, NoNameIsAskedForHoweverItIsCleared) {
 
 TEST_F(ProjectFile, OpenTakesTheChosenFile) {
     const std::string path = folder.Make("a.tlo", example);
-    dialogs.answer = Chooses(path);
+    dialogs.answer = ChoosesFile(path);
     Do(OpenProject);
     EXPECT_EQ(Name(), path);
     EXPECT_EQ(Settings(), "1200,e,7,1");
@@ -293,7 +237,7 @@ TEST_F(ProjectFile, OpenAsksAgainOnceTheNameIsCleared) {
     Do(OpenProject);
     SetName("");
     const std::string other = folder.Make("b.tlo", "[Comm]\r\nPhoneNumber=2\r\n");
-    dialogs.answer = Chooses(other);
+    dialogs.answer = ChoosesFile(other);
     Do(OpenProject);
     EXPECT_EQ(Name(), other);
     EXPECT_EQ(PhoneNumber(), "2");
@@ -358,7 +302,7 @@ TEST_F(ProjectFile, LongValuesAreCut) {
 
 TEST_F(ProjectFile, SaveWritesTheKeysInTheirOrder) {
     const std::string path = folder.Path("a.tlo");
-    dialogs.answer = Chooses(path);
+    dialogs.answer = ChoosesFile(path);
     control->put_Settings(_bstr_t(L"1200,e,7,1"));
     control->put_CommPort(_variant_t(L"COM9"));
     control->put_XferProtocol(Protocol_YModem);
@@ -373,7 +317,7 @@ TEST_F(ProjectFile, SaveWritesTheKeysInTheirOrder) {
 
 TEST_F(ProjectFile, SecondSaveAsksNothing) {
     const std::string path = folder.Path("a.tlo");
-    dialogs.answer = Chooses(path);
+    dialogs.answer = ChoosesFile(path);
     Do(SaveProject);
     DeleteFileA(path.c_str());
     Do(SaveProject);
@@ -401,7 +345,7 @@ TEST_F(ProjectFile, SaveWithoutACommObjectLeavesTheFileAsItWas) {
 
 TEST_F(ProjectFile, SaveAsTakesTheHostsPort) {
     const std::string path = folder.Path("a.tlo");
-    dialogs.answer = Chooses(path);
+    dialogs.answer = ChoosesFile(path);
     GiveTwoPorts();
     Do(SaveProjectAs);
     EXPECT_EQ(WrittenPort(path), "COM5");
@@ -411,7 +355,7 @@ TEST_F(ProjectFile, SaveAsAlwaysAsksAndShowsTheName) {
     const std::string first = folder.Path("a.tlo");
     const std::string second = folder.Path("b.tlo");
     SetName(first);
-    dialogs.answer = Chooses(second);
+    dialogs.answer = ChoosesFile(second);
     Do(SaveProjectAs);
     ASSERT_EQ(dialogs.asked.size(), 1u);
     EXPECT_EQ(dialogs.asked.front().name, first);
@@ -423,7 +367,7 @@ TEST_F(ProjectFile, SaveAsAlwaysAsksAndShowsTheName) {
 TEST_F(ProjectFile, CancelledSaveAsLeavesTheName) {
     const std::string path = folder.Path("a.tlo");
     SetName(path);
-    dialogs.answer = Cancels;
+    dialogs.answer = CancelsFile;
     Do(SaveProjectAs);
     EXPECT_EQ(Name(), path);
     EXPECT_FALSE(logfiles::FileExists(path));
@@ -431,7 +375,7 @@ TEST_F(ProjectFile, CancelledSaveAsLeavesTheName) {
 
 TEST_F(ProjectFile, NameThatDoesNotFitIsCutInTheDialog) {
     SetName(std::string(300, 'n'));
-    dialogs.answer = Cancels;
+    dialogs.answer = CancelsFile;
     Do(SaveProjectAs);
     ASSERT_EQ(dialogs.asked.size(), 1u);
     EXPECT_EQ(dialogs.asked.front().name, std::string(259, 'n'));
@@ -485,7 +429,7 @@ TEST_F(ProjectFile, HostMayDropTheControlInTheDialog) {
     dialogs.answer = [&](OPENFILENAMEA& choice) {
         control.Container().Drop();
         control.Pointer().Reset();
-        return Chooses(path)(choice);
+        return ChoosesFile(path)(choice);
     };
     SaveProjectAs(*dropped);
     EXPECT_FALSE(logfiles::FileExists(path)) << "there is nothing left to write";
@@ -498,7 +442,7 @@ TEST_F(ProjectFile, CommObjectMayGoInTheDialog) {
         Control other;
         dialogs.answer = [&](OPENFILENAMEA& choice) {
             DestroyWindow(other.Object());
-            return Chooses(path)(choice);
+            return ChoosesFile(path)(choice);
         };
         row.command(*other.Pointer().Get());
         EXPECT_EQ(other.Text(&ITarnComm::get_ProjectFilename), "");

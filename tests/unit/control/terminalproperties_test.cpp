@@ -1,5 +1,7 @@
 #include "loggedcontrol.h"
 
+#include "diagnostics/windowhook.h"
+
 #include <olectl.h>
 
 using namespace controltest;
@@ -394,15 +396,37 @@ TEST_F(TerminalSize, BorderIsSingleOrNone) {
     EXPECT_EQ(value, CommBorderStyle_None);
 }
 
+// Keeps what a window is to have as its extended style, before the system looks at it.
+class AskedStyle {
+  public:
+    explicit AskedStyle(HWND window) {
+        hook_.Set(window, [this](UINT message, WPARAM wParam, LPARAM lParam) -> std::optional<LRESULT> {
+            if (message == WM_STYLECHANGING && static_cast<LONG>(wParam) == GWL_EXSTYLE)
+                asked.push_back(reinterpret_cast<const STYLESTRUCT*>(lParam)->styleNew);
+            return {};
+        });
+    }
+
+    std::vector<DWORD> asked;
+
+  private:
+    WindowHook hook_;
+};
+
 // The extended style is made of the plain one; hosts have seen it so from the start.
 TEST_F(TerminalSize, BorderMixesTheStyles) {
     control.Show();
     const HWND object = control.Object();
-    control->put_BorderStyle(CommBorderStyle_None);
-    const LONG before = GetWindowLongA(object, GWL_STYLE);
-    control->put_BorderStyle(CommBorderStyle_Single);
-    constexpr LONG kept = 0xFF; // the system has its own mind about others
-    EXPECT_EQ(GetWindowLongA(object, GWL_EXSTYLE) & kept, before & kept);
+    const AskedStyle extended(object);
+    for (const auto style : {CommBorderStyle_None, CommBorderStyle_Single, CommBorderStyle_None}) {
+        const auto before = static_cast<DWORD>(GetWindowLongA(object, GWL_STYLE));
+        EXPECT_TRUE(before & (WS_CHILD | WS_VISIBLE));
+        control->put_BorderStyle(style);
+        constexpr DWORD edge = WS_EX_CLIENTEDGE;
+        ASSERT_FALSE(extended.asked.empty());
+        EXPECT_EQ(extended.asked.back(), style == CommBorderStyle_Single ? before | edge : before & ~edge);
+    }
+    EXPECT_EQ(extended.asked.size(), 3u);
 }
 
 TEST_F(TerminalSize, EnabledReachesTheWindow) {

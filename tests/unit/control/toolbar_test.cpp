@@ -3,6 +3,8 @@
 
 #include "control/toolbar.h"
 #include "core/handle.h"
+#include "diagnostics/windowhook.h"
+#include "support/statebytes.h"
 
 #include <array>
 #include <cstring>
@@ -220,31 +222,114 @@ TEST_F(ToolbarButtons, EachStateOfTheConnectionHasItsButtons) {
     EXPECT_EQ(host::EnabledButtons(Control()), host::enabledWhileClosed);
 }
 
+// Presses a button and lets it go, by the mouse.
+void ClickByMouse(HWND toolbar, WPARAM place) {
+    RECT button = {};
+    SendMessageA(toolbar, TB_GETITEMRECT, place, reinterpret_cast<LPARAM>(&button));
+    const LPARAM at = MAKELPARAM(button.left + 4, button.top + 4);
+    SendMessageA(toolbar, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    SendMessageA(toolbar, WM_LBUTTONUP, 0, at);
+}
+
+constexpr WPARAM connectPlace = 7, disconnectPlace = 8;
+
 TEST_F(ToolbarButtons, AClickOfTheMouseIsACommand) {
     Show();
     ASSERT_EQ(control->put_CommPort(_variant_t(L"COM5")), S_OK);
-    const auto click = [&](WPARAM place) {
-        RECT button = {};
-        SendMessageA(Toolbar(), TB_GETITEMRECT, place, reinterpret_cast<LPARAM>(&button));
-        const LPARAM at = MAKELPARAM(button.left + 4, button.top + 4);
-        SendMessageA(Toolbar(), WM_LBUTTONDOWN, MK_LBUTTON, at);
-        SendMessageA(Toolbar(), WM_LBUTTONUP, 0, at);
-    };
-    click(8); // Disconnect is disabled
+    ClickByMouse(Toolbar(), disconnectPlace); // it is disabled
     EXPECT_EQ(ear.Count("Command 8 False"), 0);
-    click(7);
+    ClickByMouse(Toolbar(), connectPlace);
     EXPECT_EQ(ear.Count("Command 7 False"), 1);
     EXPECT_TRUE(GetPortOpen(Object()));
-    click(8);
+    ClickByMouse(Toolbar(), disconnectPlace);
     EXPECT_EQ(ear.Count("Command 8 False"), 1);
     EXPECT_FALSE(GetPortOpen(Object()));
 }
 
+struct Ending {
+    const char* name;
+    void (*act)(host::BarsTest& test);
+};
+
+constexpr Ending endings[] = {
+    {"destroys the toolbar", [](host::BarsTest& test) { DestroyWindow(test.Toolbar()); }},
+    {"destroys its window", [](host::BarsTest& test) { DestroyWindow(test.control->Window()); }},
+    {"destroys the form", [](host::BarsTest& test) { DestroyWindow(test.container.window); }},
+    {"releases it",
+     [](host::BarsTest& test) {
+         test.ear.LoseControl();
+         test.container.Drop();
+         test.control.Reset();
+     }},
+};
+
+// The toolbar is still in its own answer to the mouse.
+TEST_F(ToolbarButtons, TheHostMayEndTheControlInsideOfAClick) {
+    for (const Ending& ending : endings) {
+        SCOPED_TRACE(ending.name);
+        if (!control) {
+            ASSERT_EQ(NewObject(control), S_OK);
+            ASSERT_EQ(container.Hold(static_cast<ITarnComm*>(control.Get())), S_OK);
+            ear.Connect(*control.Get());
+        }
+        if (!IsWindow(container.window))
+            container.window = CreateWindowExA(0, "STATIC", "", WS_POPUP | WS_VISIBLE, 0, 0, 400, 300,
+                                               nullptr, nullptr, nullptr, nullptr);
+        container.As<IOleInPlaceObject>()->InPlaceDeactivate();
+        Show();
+        ASSERT_EQ(control->put_CommPort(_variant_t(L"COM5")), S_OK);
+        ear.onEvent = [&](DISPID id, DISPPARAMS&) {
+            if (id != events::Command)
+                return;
+            ear.onEvent = nullptr;
+            ending.act(*this);
+        };
+        const HWND bar = Toolbar();
+        ClickByMouse(bar, connectPlace);
+        EXPECT_EQ(ear.Count("Command 7 False"), 1);
+        EXPECT_FALSE(IsWindow(bar));
+        EXPECT_EQ(GetCapture(), nullptr);
+    }
+    EXPECT_EQ(ear.References(), 0u) << "the control has ended";
+}
+
+// What came to a window, with its wParam.
+class Heard {
+  public:
+    Heard(HWND window, UINT message) : message_(message) {
+        hook_.Set(window, [this](UINT id, WPARAM wParam, LPARAM lParam) -> std::optional<LRESULT> {
+            if (id == message_)
+                came.push_back({wParam, lParam});
+            return {};
+        });
+    }
+
+    std::vector<std::pair<WPARAM, LPARAM>> came;
+
+  private:
+    UINT message_;
+    WindowHook hook_;
+};
+
 TEST_F(ToolbarButtons, AColorSchemeReachesTheBars) {
     Show();
-    SendMessageA(control->Window(), WM_SYSCOLORCHANGE, 0, 0); // nothing is lost by it
-    EXPECT_TRUE(IsWindow(Toolbar()));
-    EXPECT_EQ(SendMessageA(Toolbar(), TB_BUTTONCOUNT, 0, 0), 16);
+    const Heard toolbar(Toolbar(), WM_SYSCOLORCHANGE), status(StatusBar(), WM_SYSCOLORCHANGE);
+    SendMessageA(control->Window(), WM_SYSCOLORCHANGE, 5, 6);
+    const std::vector<std::pair<WPARAM, LPARAM>> once = {{5, 6}};
+    EXPECT_EQ(toolbar.came, once);
+    EXPECT_EQ(status.came, once);
+}
+
+TEST_F(ToolbarButtons, ButtonsFollowAGivenHandle) {
+    Show();
+    host::FarEnd device("COM5"); // as a host opens it
+    ASSERT_TRUE(device.IsOpen());
+    for (const auto put : {&CTarnCommCtl::put_CommHandle, &CTarnCommCtl::put_CommID}) {
+        EXPECT_EQ((Control().*put)(HandleToLong(device.Handle())), S_OK);
+        EXPECT_EQ(host::EnabledButtons(Control()), host::enabledWhileOpen);
+        EXPECT_EQ((Control().*put)(-1), S_OK);
+        EXPECT_EQ(host::EnabledButtons(Control()), host::enabledWhileClosed);
+    }
 }
 
 // CommandState
@@ -530,6 +615,25 @@ TEST_F(BarLayout, IsReadyAtTheFirstWindow) {
         Show();
         ExpectLayout(*this, row);
         control->InPlaceDeactivate();
+    }
+}
+
+// Into a control with its window, as a host does that reads a form anew.
+TEST_F(BarLayout, ALoadedStreamPlacesTheBars) {
+    Show();
+    for (const LayoutRow& row : layouts) {
+        ComPtr<CTarnCommCtl> stored;
+        ASSERT_EQ(NewObject(stored), S_OK);
+        PutBars(*stored.Get(), row);
+        const bool hasBorder = row.toolbar;
+        stored->put_BorderStyle(hasBorder ? CommBorderStyle_Single : CommBorderStyle_None);
+        const ComPtr<IStream> stream = host::StreamOf("");
+        ASSERT_EQ(stored->Save(stream.Get(), TRUE), S_OK);
+        stream->Seek({}, STREAM_SEEK_SET, nullptr);
+        ASSERT_EQ(control->Load(stream.Get()), S_OK);
+        ExpectLayout(*this, row);
+        EXPECT_EQ((GetWindowLongA(Object(), GWL_STYLE) & WS_BORDER) != 0, hasBorder);
+        EXPECT_EQ((GetWindowLongA(Object(), GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0, hasBorder);
     }
 }
 

@@ -1,4 +1,4 @@
-// The dialog that asks for a folder to receive into.
+// The dialog that asks for a folder to receive into: its browsing. The rest is in pathdialog_test.cpp.
 #include "dialogtest.h"
 
 #include "core/comobject.h"
@@ -86,68 +86,6 @@ class ReceiveFile : public DialogTest {
 
     CReceiveFileDialog dialog{owner.get(), 6, "C:\\first"};
 };
-
-const Texts protocols = {"XModem Checksum", "XModem CRC", "XModem 1K", "YModem",
-                         "YModem-G",        "ZModem",     "Kermit"};
-
-TEST_F(ReceiveFile, ShowsWhatItWasGiven) {
-    Look([](HWND hDlg) {
-        EXPECT_EQ(TextOf(hDlg), "Receive file");
-        EXPECT_EQ(ItemText(hDlg, ReceiveFile_Folder), "C:\\first");
-        EXPECT_EQ(Rows(hDlg, FileDialog_Protocol), protocols);
-        EXPECT_EQ(SelectedRow(hDlg, FileDialog_Protocol), "Kermit");
-        EXPECT_EQ(GetFocus(), GetDlgItem(hDlg, ReceiveFile_Folder));
-    });
-}
-
-TEST_F(ReceiveFile, ConfirmedGivesWhatWasEntered) {
-    Confirm([](HWND hDlg) {
-        Type(hDlg, ReceiveFile_Folder, "D:\\R&D %s%n");
-        Choose(hDlg, FileDialog_Protocol, 2);
-    });
-    EXPECT_EQ(Path(), "D:\\R&D %s%n");
-    EXPECT_EQ(dialog.nProtocol, 2);
-}
-
-TEST_F(ReceiveFile, ProtocolWithoutARowStays) {
-    dialog.nProtocol = 7;
-    Confirm([](HWND hDlg) { EXPECT_EQ(Selected(hDlg, FileDialog_Protocol), -1); });
-    EXPECT_EQ(dialog.nProtocol, 7);
-}
-
-TEST_F(ReceiveFile, LongPathsAreCut) {
-    const std::string most(259, 'p');
-    Confirm([](HWND hDlg) {
-        EXPECT_EQ(Tell(hDlg, ReceiveFile_Folder, EM_GETLIMITTEXT), 259);
-        Type(hDlg, ReceiveFile_Folder, std::string(400, 'p'));
-    });
-    EXPECT_EQ(Path(), most);
-    EXPECT_EQ(CReceiveFileDialog(nullptr, 0, std::string(400, 'p').c_str()).szPath.data(), most);
-    EXPECT_STREQ(CReceiveFileDialog(nullptr, 0, nullptr).szPath.data(), "");
-}
-
-TEST_F(ReceiveFile, CancelGivesNothing) {
-    for (const bool byKey : {false, true}) {
-        EXPECT_EQ(Show([&](HWND hDlg) {
-                      Type(hDlg, ReceiveFile_Folder, "other");
-                      Choose(hDlg, FileDialog_Protocol, 1);
-                      if (byKey)
-                          PostMessageA(GetDlgItem(hDlg, ReceiveFile_Folder), WM_KEYDOWN, VK_ESCAPE, 1);
-                      else
-                          Press(hDlg, IDCANCEL);
-                  }),
-                  0);
-        EXPECT_EQ(Path(), "C:\\first");
-        EXPECT_EQ(dialog.nProtocol, 6);
-    }
-}
-
-TEST_F(ReceiveFile, EnterReceives) {
-    EXPECT_EQ(Show([](HWND hDlg) {
-                  PostMessageA(GetDlgItem(hDlg, FileDialog_Protocol), WM_KEYDOWN, VK_RETURN, 1);
-              }),
-              1);
-}
 
 TEST_F(ReceiveFile, BrowseAsksTheShell) {
     browse.answer = [] { return nullptr; };

@@ -2,6 +2,8 @@
 #include "dialtest.h"
 
 #include "../control/bars.h"
+#include "support/systemdialog.h"
+#include "unit/troubleshooter/troubleshootuser.h"
 
 namespace {
 
@@ -55,6 +57,7 @@ class ControlCommandsDeeds : public ControlCommands, public testing::WithParamIn
 
 TEST_P(ControlCommandsDeeds, HostsMayDoThisWhileConnectDials) {
     ShowAtAlpha(rings);
+    (*phone)->put_AutoProcess(3);
     const HWND window = phone->control->Window();
     const HWND bar = host::ToolbarOf(Control());
     bool acted = false;
@@ -67,8 +70,10 @@ TEST_P(ControlCommandsDeeds, HostsMayDoThisWhileConnectDials) {
     SendMessageA(window, WM_COMMAND, connectButton, reinterpret_cast<LPARAM>(bar));
     EXPECT_TRUE(acted);
     EXPECT_TRUE(HasNoLine());
-    const LONG autoProcess = phone->control ? phone->control->Properties().m_nAutoProcess : 0;
-    EXPECT_EQ(autoProcess, 0) << "as the host had it";
+    if (!phone->control)
+        return;
+    EXPECT_EQ(phone->control->Properties().m_nAutoProcess, 3) << "as the host had it";
+    EXPECT_EQ(GetAutoProcess(phone->Object()), IsWindow(phone->Object()) ? 3 : 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ControlCommandsDeeds, testing::ValuesIn(deeds),
@@ -80,6 +85,35 @@ TEST_F(ControlCommands, PortPropertiesOfALineAreTheServices) {
     EXPECT_EQ((*phone)->DoCommand(CommCommand_PortProperties), S_OK);
     EXPECT_EQ(Asked("lineConfigDialog"), 1);
     EXPECT_EQ(Asked("COMM"), 1);
+}
+
+TEST_F(ControlCommands, PortPropertiesOfALineWaitForNoOtherDialog) {
+    StartAtAlpha().Show();
+    ExchangeClearRecord();
+    const host::SystemDialogUser user([] { return dialogs::OpenDialogWith(Connection_Port); },
+                                      [&](HWND dialog) {
+                                          (*phone)->DoCommand(CommCommand_PortProperties);
+                                          EXPECT_EQ(Asked("lineConfigDialog"), 0);
+                                          SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+                                      });
+    (*phone)->DoCommand(CommCommand_Properties);
+}
+
+TEST_F(ControlCommands, SystemInformationTellsOfTheLines) {
+    StartAtAlpha().Show();
+    dialogs::Texts rows;
+    const host::SystemDialogUser user([] { return dialogs::OpenDialogWith(TroubleShoot_Panel); },
+                                      [&](HWND frame) {
+                                          troubleshooter::Click(frame, troubleshooter::modemItem);
+                                          const auto shown = troubleshooter::ShownPages(frame);
+                                          if (shown.size() == 1)
+                                              rows = troubleshooter::RowsOf(shown.front());
+                                          SendMessageA(frame, WM_COMMAND, IDCANCEL, 0);
+                                      });
+    EXPECT_EQ((*phone)->ShowSysInfo(), S_OK);
+    EXPECT_EQ(rows,
+              (dialogs::Texts{"00", "10Alpha Modem", "00    Provider A", "00    Maximum speed: 115200 Bps",
+                              "00", "10Beta Modem", "00    Provider B", "00    Maximum speed: 115200 Bps"}));
 }
 
 TEST_F(ControlCommands, LinesTellTheirSpeed) {
