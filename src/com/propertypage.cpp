@@ -1,6 +1,7 @@
 #include "propertypage.h"
 
 #include "modulefile.h"
+#include "raised.h"
 #include "wall.h"
 
 #include <olectl.h>
@@ -50,18 +51,6 @@ void MoveTo(HWND dialog, const RECT& place) {
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// A flag that is up for the length of a block.
-class Raised {
-  public:
-    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Raised() { flag_ = false; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-
-  private:
-    bool& flag_;
-};
-
 // What a control tells when its user has changed it.
 struct ChangeRow {
     const wchar_t* windowClass;
@@ -80,6 +69,14 @@ bool IsChange(HWND control, int notification) {
     return std::ranges::any_of(changes, [&](const ChangeRow& row) {
         return row.notification == notification && lstrcmpiW(row.windowClass, name) == 0;
     });
+}
+
+// A list tells of a row that was chosen before its own edit shows it; what is read then must not be the last
+// one.
+void ShowChosenRow(HWND list) {
+    const LRESULT row = SendMessageW(list, CB_GETCURSEL, 0, 0);
+    if (row >= 0)
+        SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(row), 0);
 }
 
 // Keys
@@ -103,6 +100,13 @@ bool IsFramesKey(WPARAM key) {
     }
 }
 
+// An open list is closed by keys that are the frame's otherwise.
+bool IsWanted(const MSG& message) {
+    const LRESULT wanted =
+        SendMessageW(message.hwnd, WM_GETDLGCODE, message.wParam, reinterpret_cast<LPARAM>(&message));
+    return wanted & DLGC_WANTMESSAGE;
+}
+
 // From the last control, or back from the first, the focus goes on to the frame's controls.
 bool TabLeaves(HWND dialog, HWND focus) {
     const HWND start = GetNextDlgTabItem(dialog, nullptr, FALSE);
@@ -111,7 +115,17 @@ bool TabLeaves(HWND dialog, HWND focus) {
     return !edge || focus == edge || IsChild(edge, focus);
 }
 
+// What was typed into a control is none of its texts, and a text may show its ampersands.
+bool HasText(HWND control) {
+    const LRESULT code = SendMessageW(control, WM_GETDLGCODE, 0, 0);
+    if (code & DLGC_BUTTON)
+        return true;
+    return (code & DLGC_STATIC) && !(GetWindowLongW(control, GWL_STYLE) & SS_NOPREFIX);
+}
+
 bool HasMnemonic(HWND control, wchar_t letter) {
+    if (!IsWindowVisible(control) || !IsWindowEnabled(control) || !HasText(control))
+        return false;
     wchar_t text[128] = {};
     GetWindowTextW(control, text, static_cast<int>(std::size(text)));
     for (const wchar_t* at = text; (at = std::wcschr(at, L'&')) != nullptr && at[1]; at += 2)
@@ -130,7 +144,9 @@ bool AnyHasMnemonic(HWND dialog, wchar_t letter) {
 bool IsForPage(HWND dialog, const MSG& message) {
     switch (message.message) {
     case WM_KEYDOWN:
-        return !IsFramesKey(message.wParam) && !(message.wParam == VK_TAB && TabLeaves(dialog, message.hwnd));
+        if (IsFramesKey(message.wParam))
+            return IsWanted(message);
+        return message.wParam != VK_TAB || !TabLeaves(dialog, message.hwnd);
     case WM_SYSCHAR:
         return AnyHasMnemonic(dialog, static_cast<wchar_t>(message.wParam));
     default:
@@ -159,8 +175,13 @@ HRESULT PropertyPage::Activate(HWND parent, LPCRECT place, BOOL) {
         if (!dialog_)
             return LastFailure();
         MoveTo(dialog_, *place);
-        Fill();
-        return S_OK;
+        const HRESULT filled = AsResult([this] {
+            Fill();
+            return S_OK;
+        });
+        if (FAILED(filled))
+            DropDialog();
+        return filled;
     });
 }
 
@@ -228,16 +249,21 @@ HRESULT PropertyPage::IsPageDirty() {
     return dirty_ ? S_OK : S_FALSE;
 }
 
-// Without a dialog there is nothing that could be passed on.
+// Without a dialog there is nothing that could be passed on. The page is clean before the first object hears
+// anything, so that a change in between counts.
 HRESULT PropertyPage::Apply() {
     return AsResult([&]() -> HRESULT {
         const ComPtr<IPropertyPage> held(this);
         if (!dialog_)
             return E_UNEXPECTED;
         const Objects objects = objects_; // one of them may make the frame give others
-        const HRESULT result = OnApply(objects);
         dirty_ = false;
-        return result;
+        try {
+            return OnApply(objects);
+        } catch (...) { // what was not passed on is still to be applied
+            dirty_ = true;
+            throw;
+        }
     });
 }
 
@@ -283,7 +309,12 @@ void PropertyPage::OnCommand(int item, int notification, HWND control) {
     if (filling_ || !IsChange(control, notification))
         return;
     const ComPtr<IPropertyPage> held(this);
-    OnChanged(item);
+    {
+        const Raised filling(filling_); // the page's own changes are part of the user's
+        if (notification == CBN_SELCHANGE)
+            ShowChosenRow(control);
+        OnChanged(item);
+    }
     Soil();
 }
 

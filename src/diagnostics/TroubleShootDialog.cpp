@@ -1,5 +1,6 @@
 #include "TroubleShootDialog.h"
 
+#include "com/raised.h"
 #include "logpath.h"
 #include "troubleshootitems.h"
 
@@ -109,8 +110,11 @@ void CTroubleShootDialog::Show(TroubleShootPage shown) {
         EndDeferWindowPos(changes);
 }
 
-// The host may end the dialog, or its owner, while it is told.
+// The host may end the dialog, or its owner, while it is told, and the user may choose Exit again.
 void CTroubleShootDialog::Exit() {
+    if (bExits)
+        return;
+    const Raised exits(bExits);
     if (logging && logging->Window()) {
         const LoggingMarks marks = logging->Marks();
         host.SetWireTap(marks.wireTap);

@@ -51,4 +51,5 @@ class CTroubleShootDialog final : public CMyDialog {
     std::array<std::unique_ptr<CTroubleShootListDialog>, listPages> lists;
     std::unique_ptr<CTroubleshootLoggingDialog> logging;
     TroubleShootPanel panel;
+    bool bExits = false; // the host is being told
 };

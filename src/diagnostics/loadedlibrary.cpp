@@ -9,17 +9,18 @@ std::string PathOf(HMODULE module) {
     return length < MAX_PATH ? std::string(path, length) : "";
 }
 
-std::optional<SYSTEMTIME> CreationOf(const std::string& path) {
-    WIN32_FILE_ATTRIBUTE_DATA file = {};
-    FILETIME local = {};
-    SYSTEMTIME created = {};
-    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &file) ||
-        !FileTimeToLocalFileTime(&file.ftCreationTime, &local) || !FileTimeToSystemTime(&local, &created))
-        return {};
-    return created;
-}
-
 } // namespace
+
+std::optional<SYSTEMTIME> LocalCreationOf(const std::string& path, const TIME_ZONE_INFORMATION* zone) {
+    WIN32_FILE_ATTRIBUTE_DATA file = {};
+    SYSTEMTIME utc = {};
+    SYSTEMTIME local = {};
+    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &file) ||
+        !FileTimeToSystemTime(&file.ftCreationTime, &utc) ||
+        !SystemTimeToTzSpecificLocalTime(zone, &utc, &local))
+        return {};
+    return local;
+}
 
 std::optional<LoadedLibrary> FindLoadedLibrary(const char* szName) {
     const HMODULE module = GetModuleHandleA(szName);
@@ -28,5 +29,5 @@ std::optional<LoadedLibrary> FindLoadedLibrary(const char* szName) {
     const std::string path = PathOf(module);
     if (path.empty())
         return LoadedLibrary{};
-    return LoadedLibrary{path, VersionOfFile(path.c_str()), CreationOf(path)};
+    return LoadedLibrary{path, VersionOfFile(path.c_str()), LocalCreationOf(path)};
 }

@@ -16,3 +16,7 @@ struct LoadedLibrary {
 
 // Nothing: no library of that name is loaded.
 std::optional<LoadedLibrary> FindLoadedLibrary(const char* szName);
+
+// When the file was made, by the clock of the zone; null: the machine's. Nothing: it can't be read.
+std::optional<SYSTEMTIME> LocalCreationOf(const std::string& path,
+                                          const TIME_ZONE_INFORMATION* zone = nullptr);

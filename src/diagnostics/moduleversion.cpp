@@ -1,5 +1,7 @@
 #include "moduleversion.h"
 
+#include "com/modulefile.h"
+
 #include <windows.h>
 
 #include <cstdio>
@@ -7,18 +9,15 @@
 
 namespace {
 
-constexpr char moduleName[] = "Lantry.OCX";
+// The log has its banner by this name alone, whatever module writes it.
+constexpr char bannersModule[] = "Lantry.OCX";
 
 FileVersion PartsOf(const VS_FIXEDFILEINFO& info) {
     return {HIWORD(info.dwFileVersionMS), LOWORD(info.dwFileVersionMS), HIWORD(info.dwFileVersionLS),
             LOWORD(info.dwFileVersionLS)};
 }
 
-// Nothing as well if no module of that name is loaded.
-std::optional<FileVersion> VersionOfModule() {
-    const HMODULE module = GetModuleHandleA(moduleName);
-    if (!module)
-        return {};
+std::optional<FileVersion> VersionOfModule(HMODULE module) {
     char file[MAX_PATH] = {};
     const DWORD length = GetModuleFileNameA(module, file, MAX_PATH);
     return length && length < MAX_PATH ? VersionOfFile(file) : std::nullopt;
@@ -42,7 +41,8 @@ std::optional<FileVersion> VersionOfFile(const char* szFile) {
 }
 
 std::string VersionBanner() {
-    const auto version = VersionOfModule();
+    const HMODULE module = GetModuleHandleA(bannersModule);
+    const auto version = module ? VersionOfModule(module) : std::nullopt;
     if (!version)
         return {};
     const auto [major, minor, revision, build] = *version;
@@ -53,7 +53,10 @@ std::string VersionBanner() {
 }
 
 std::string VersionLine() {
-    const auto version = VersionOfModule();
+    return VersionLine(VersionOfModule(ModuleInstance()));
+}
+
+std::string VersionLine(const std::optional<FileVersion>& version) {
     if (!version)
         return {};
     const auto [major, minor, revision, build] = *version;

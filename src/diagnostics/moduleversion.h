@@ -14,5 +14,7 @@ std::optional<FileVersion> VersionOfFile(const char* szFile);
 // version can't be read.
 std::string VersionBanner();
 
-// "Version 1.2 Build 4", or nothing in the same cases.
+// "Version 1.2 Build 4", or nothing without a version; of the file of the module that this code is in,
+// whatever that is called.
 std::string VersionLine();
+std::string VersionLine(const std::optional<FileVersion>& version);

@@ -1,5 +1,5 @@
 // Stores what the control looks like: control FOLDER
-#include "bitmap.h"
+#include "windowstore.h"
 
 #include "control/commands.h"
 #include "control/TarnCommCtl.h"
@@ -14,31 +14,6 @@
 #include <memory>
 
 namespace {
-
-// The window's own picture and that of its children, as they are on the display.
-Bitmap PictureOf(HWND window) {
-    RECT client = {};
-    GetClientRect(window, &client);
-    Bitmap picture({client.right, client.bottom});
-    const HDC dc = GetDC(window);
-    BitBlt(picture.Context(), 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
-    ReleaseDC(window, dc);
-    return picture;
-}
-
-bool Store(HWND window, const std::string& path) {
-    constexpr int quietTurns = 20; // of the message loop, some 2 ms each
-    SetFocus(nullptr);
-    Bitmap before = PictureOf(window);
-    int quiet = 0;
-    const bool still = host::PumpUntil([&] {
-        Bitmap now = PictureOf(window);
-        quiet = now.Differences(before) ? 0 : quiet + 1;
-        before = std::move(now);
-        return quiet >= quietTurns;
-    });
-    return still && before.Save(path);
-}
 
 struct Scene {
     const char* name;
@@ -103,7 +78,7 @@ bool Play(const Scene& scene, const std::string& path) {
         return false;
     TerminalPrintString(control->CommObject(), "CONNECT 115200\r\n\r\nWelcome\r\nlogin: ");
     scene.play(*control.Get());
-    return Store(control->Window(), path);
+    return StoreWhenStill(control->Window(), path);
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 // Stores what the module's dialogs look like: dialogs FOLDER
-#include "bitmap.h"
 #include "dialogstore.h"
 
 #include "core/comctl.h"

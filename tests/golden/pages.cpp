@@ -123,14 +123,12 @@ int main(int count, char** words) {
     if (count != 2)
         return 2;
     CoInitialize(nullptr);
-    const HMODULE module = LoadLibraryA("Lantry.ocx"); // has the version
     const auto path = [&](const char* name) { return std::string(words[1]) + "\\" + name + ".bmp"; };
-    bool good = Told("Lantry.ocx", module != nullptr);
+    bool good = true;
     for (const PageScene& scene : pageScenes)
         good = Told(scene.name, StorePage(scene, path(scene.name))) && good;
     good = Told("about", StoreAbout(path("about"))) && good;
     good = Told("icon", StoreIcon(path("icon"))) && good;
-    FreeLibrary(module);
     CoUninitialize();
     return good ? 0 : 1;
 }

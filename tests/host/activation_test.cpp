@@ -80,28 +80,34 @@ TEST_F(ActivationTest, TheRegistryTellsWhatHostsAsk) {
     DeleteObject(picture);
 }
 
-TEST_F(ActivationTest, ThePropertyPagesAreMadeByTheirIdentifiers) {
-    const struct {
-        const CLSID& id;
-        const wchar_t* title;
-    } pages[] = {
-        {CLSID_PropCommunications, L"&Communications"},
-        {CLSID_PropTerminal, L"&Terminal"},
-        {CLSID_PropWireTap, L"&WireTap"},
-        {CLSID_PropAbout, L"&About"},
-    };
-    for (const auto& each : pages) {
-        SCOPED_TRACE(testing::PrintToString(each.title));
+struct PageRow {
+    const CLSID& id;
+    const wchar_t* title;
+};
+const PageRow pages[] = {
+    {CLSID_PropCommunications, L"&Communications"},
+    {CLSID_PropTerminal, L"&Terminal"},
+    {CLSID_PropWireTap, L"&WireTap"},
+    {CLSID_PropAbout, L"&About"},
+};
+
+void ExpectPages() {
+    for (const PageRow& row : pages) {
+        SCOPED_TRACE(testing::PrintToString(row.title));
         ComPtr<IPropertyPage> page;
-        ASSERT_EQ(CoCreateInstance(each.id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&page)), S_OK);
+        ASSERT_EQ(CoCreateInstance(row.id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&page)), S_OK);
         PROPPAGEINFO info = {};
         info.cb = sizeof info;
         ASSERT_EQ(page->GetPageInfo(&info), S_OK);
-        EXPECT_STREQ(info.pszTitle, each.title);
+        EXPECT_STREQ(info.pszTitle, row.title);
         EXPECT_GT(info.size.cx, 0);
         CoTaskMemFree(info.pszTitle);
         CoTaskMemFree(info.pszDocString);
     }
+}
+
+TEST_F(ActivationTest, ThePropertyPagesAreMadeByTheirIdentifiers) {
+    ExpectPages();
 }
 
 TEST_F(ActivationTest, RegistrationLeavesNothingBehind) {
@@ -234,6 +240,7 @@ TEST_F(ActivationTest, TheManifestStandsInForTheRegistry) {
         EXPECT_EQ(control->get_Rows(&rows), S_OK);
         EXPECT_EQ(rows, 25);
         control.Reset();
+        ExpectPages();
     }
     ASSERT_TRUE(Register());
 }

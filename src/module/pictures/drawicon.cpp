@@ -3,10 +3,11 @@
 //
 // Shapes are stored in units of the largest picture, and each pixel is the mean of many points, so that small
 // pictures are as smooth as large ones.
+#include "picturefile.h"
+
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -111,18 +112,6 @@ Color PixelAt(int x, int y, int size) {
             sum.light / (pointsAcross * pointsAcross)};
 }
 
-// Numbers are stored low byte first.
-std::string Long(uint32_t value) {
-    std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8)
-        bytes += static_cast<char>(value >> shift & 0xFF);
-    return bytes;
-}
-
-std::string Word(uint32_t value) {
-    return Long(value).substr(0, 2);
-}
-
 std::string Byte(double value) {
     return Long(static_cast<uint32_t>(std::lround(value))).substr(0, 1);
 }
@@ -179,10 +168,5 @@ std::string Icon() {
 int main(int count, char** words) {
     if (count != 2)
         return 2;
-    const std::string icon = Icon();
-    std::FILE* file = std::fopen(words[1], "wb");
-    if (!file)
-        return 1;
-    const bool written = std::fwrite(icon.data(), 1, icon.size(), file) == icon.size();
-    return std::fclose(file) == 0 && written ? 0 : 1;
+    return Write(words[1], Icon()) ? 0 : 1;
 }

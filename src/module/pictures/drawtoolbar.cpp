@@ -3,9 +3,10 @@
 //
 // The toolbar changes black, white, both grays of this file into the system's colors for text, highlight,
 // shadow and face, so that buttons fit into every scheme; what has the face's color is transparent.
+#include "picturefile.h"
+
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -139,18 +140,6 @@ char LetterAt(size_t x, size_t y) {
     return place < std::size(drawings) ? (*drawings[place])[y][x % pictureWidth] : face;
 }
 
-// Numbers are stored low byte first.
-std::string Long(uint32_t value) {
-    std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8)
-        bytes += static_cast<char>(value >> shift & 0xFF);
-    return bytes;
-}
-
-std::string Word(unsigned value) {
-    return Long(value).substr(0, 2);
-}
-
 constexpr unsigned bitsOfAPixel = 4;
 constexpr uint32_t infoSize = 40;
 constexpr uint32_t rowSize = width / 2;
@@ -200,10 +189,5 @@ int main(int count, char** words) {
     const std::string pixels = Pixels();
     if (pixels.size() != pixelsSize)
         return 1;
-    const std::string bitmap = Header() + Palette() + pixels;
-    std::FILE* file = std::fopen(words[1], "wb");
-    if (!file)
-        return 1;
-    const bool written = std::fwrite(bitmap.data(), 1, bitmap.size(), file) == bitmap.size();
-    return std::fclose(file) == 0 && written ? 0 : 1;
+    return Write(words[1], Header() + Palette() + pixels) ? 0 : 1;
 }

@@ -3,9 +3,10 @@
 //
 // The common control that plays it wants a file without sound, not compressed. Origin of the format:
 // "Multimedia Programming Interface and Data Specifications 1.0", IBM and Microsoft, 1991.
+#include "picturefile.h"
+
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -105,18 +106,6 @@ Picture DrawFrame(int frame) {
     return picture;
 }
 
-// Numbers are stored low byte first.
-std::string Long(uint32_t value) {
-    std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8)
-        bytes += static_cast<char>(value >> shift & 0xFF);
-    return bytes;
-}
-
-std::string Word(unsigned value) {
-    return Long(value).substr(0, 2);
-}
-
 std::string Chunk(const std::string& name, const std::string& data) {
     return name + Long(static_cast<uint32_t>(data.size())) + data + std::string(data.size() % 2, '\0');
 }
@@ -167,10 +156,5 @@ std::string Animation() {
 int main(int count, char** words) {
     if (count != 2)
         return 2;
-    const std::string animation = Animation();
-    std::FILE* file = std::fopen(words[1], "wb");
-    if (!file)
-        return 1;
-    const bool written = std::fwrite(animation.data(), 1, animation.size(), file) == animation.size();
-    return std::fclose(file) == 0 && written ? 0 : 1;
+    return Write(words[1], Animation()) ? 0 : 1;
 }

@@ -51,6 +51,7 @@ class ToyPage final : public Unknown<ToyPage, PropertyPage> {
     HRESULT applyResult = S_OK;
     std::function<void()> onApply;
     std::function<void()> onFill;
+    std::function<void()> onChanged;
     int resource = 300;
 
     HWND Window() const { return Dialog(); }
@@ -77,7 +78,11 @@ class ToyPage final : public Unknown<ToyPage, PropertyPage> {
         }
         return applyResult;
     }
-    void OnChanged(int item) override { changed.push_back(item); }
+    void OnChanged(int item) override {
+        changed.push_back(item);
+        if (onChanged)
+            onChanged();
+    }
 };
 
 class ComPropertyPage : public testing::Test {
@@ -218,9 +223,36 @@ TEST_F(ComPropertyPage, FillingIsNoChange) {
     EXPECT_TRUE(page->changed.empty());
 }
 
-TEST_F(ComPropertyPage, FillingThatFailsLeavesThePageOpenToChanges) {
+TEST_F(ComPropertyPage, FillingWithinFillingIsNoChangeEither) {
+    bool isFirst = true;
+    page->onFill = [&] {
+        if (!std::exchange(isFirst, false))
+            return;
+        Give({&second});
+        SetDlgItemTextA(page->Window(), nameItem, "after the other");
+    };
+    Open();
+    EXPECT_EQ(page->filledFrom, (std::vector<IUnknown*>{&first, &second}));
+    EXPECT_TRUE(site.changes.empty());
+    EXPECT_TRUE(page->changed.empty());
+}
+
+TEST_F(ComPropertyPage, FillingThatFailsLeavesNoPage) {
     page->onFill = [] { throw std::bad_alloc(); };
     EXPECT_EQ(page->Activate(window, &place, FALSE), E_OUTOFMEMORY);
+    EXPECT_EQ(page->Window(), nullptr);
+    EXPECT_EQ(GetWindow(window, GW_CHILD), nullptr);
+    EXPECT_EQ(page->Deactivate(), E_UNEXPECTED);
+    page->onFill = {};
+    EXPECT_EQ(page->Activate(window, &place, FALSE), S_OK);
+    Notify(checkItem, BN_CLICKED);
+    EXPECT_EQ(page->IsPageDirty(), S_OK);
+}
+
+TEST_F(ComPropertyPage, RefillingThatFailsLeavesThePageOpenToChanges) {
+    Open();
+    page->onFill = [] { throw std::bad_alloc(); };
+    EXPECT_EQ(page->SetObjects(0, nullptr), E_OUTOFMEMORY);
     Notify(checkItem, BN_CLICKED);
     EXPECT_EQ(page->IsPageDirty(), S_OK);
 }
@@ -266,6 +298,33 @@ TEST_F(ComPropertyPage, ClickAndLettersOfAUserAreChanges) {
     EXPECT_EQ(page->changed, (std::vector{checkItem, nameItem}));
 }
 
+TEST_F(ComPropertyPage, WhatThePageChangesItselfBelongsToTheUsersChange) {
+    Open();
+    page->onChanged = [this] { SetDlgItemTextA(page->Window(), nameItem, "by the page"); };
+    SendMessageA(Item(checkItem), BM_CLICK, 0, 0);
+    EXPECT_EQ(site.changes.size(), 1u);
+    EXPECT_EQ(page->changed, std::vector{checkItem});
+    page->onChanged = {};
+    SendMessageA(Item(nameItem), WM_CHAR, 'x', 0);
+    EXPECT_EQ(site.changes.size(), 2u);
+}
+
+TEST_F(ComPropertyPage, FrameThatHearsOfAChosenRowFindsItShown) {
+    Open();
+    SendMessageA(Item(listItem), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>("other"));
+    SetDlgItemTextA(page->Window(), listItem, "typed");
+    site.changes.clear();
+    char shown[16] = {};
+    site.onChange = [&] { GetDlgItemTextA(page->Window(), listItem, shown, sizeof shown); };
+    COMBOBOXINFO parts = {};
+    parts.cbSize = sizeof parts;
+    ASSERT_TRUE(GetComboBoxInfo(Item(listItem), &parts));
+    SendMessageA(parts.hwndList, LB_SETCURSEL, 1, 0); // as when a row is clicked: the edit follows later
+    Notify(listItem, CBN_SELCHANGE);
+    EXPECT_STREQ(shown, "other");
+    EXPECT_EQ(site.changes.size(), 1u);
+}
+
 TEST_F(ComPropertyPage, WithoutASiteItIsDirtyAllTheSame) {
     ASSERT_EQ(page->Activate(window, &place, FALSE), S_OK);
     Notify(checkItem, BN_CLICKED);
@@ -280,12 +339,30 @@ TEST_F(ComPropertyPage, ApplyPassesAllObjectsAndCleans) {
     EXPECT_EQ(page->IsPageDirty(), S_FALSE);
 }
 
+TEST_F(ComPropertyPage, ChangeWhileObjectsAreSetIsStillToBeApplied) {
+    Open();
+    Notify(checkItem, BN_CLICKED);
+    bool isFirst = true;
+    page->onApply = [&] {
+        if (!std::exchange(isFirst, false))
+            return;
+        EXPECT_EQ(page->IsPageDirty(), S_FALSE);
+        Notify(checkItem, BN_CLICKED);
+    };
+    EXPECT_EQ(page->Apply(), S_OK);
+    EXPECT_EQ(page->IsPageDirty(), S_OK);
+}
+
 TEST_F(ComPropertyPage, FailureOfApplyIsItsAnswer) {
     Open();
+    Notify(checkItem, BN_CLICKED);
     page->applyResult = E_ACCESSDENIED;
     EXPECT_EQ(page->Apply(), E_ACCESSDENIED);
+    EXPECT_EQ(page->IsPageDirty(), S_FALSE);
+    Notify(checkItem, BN_CLICKED);
     page->onApply = [] { throw std::bad_alloc(); };
     EXPECT_EQ(page->Apply(), E_OUTOFMEMORY);
+    EXPECT_EQ(page->IsPageDirty(), S_OK) << "nobody knows what was passed on";
 }
 
 TEST_F(ComPropertyPage, ObjectsThatAreTakenAwayDuringApplyStillGetIt) {
@@ -396,12 +473,17 @@ constexpr KeyRow keyRows[] = {
     {"a mnemonic of the page", checkItem, WM_SYSCHAR, 'n', VK_MENU, S_OK, nameItem},
     {"in capitals", checkItem, WM_SYSCHAR, 'N', VK_MENU, S_OK, nameItem},
     {"none of the page's", checkItem, WM_SYSCHAR, 'c', VK_MENU, S_FALSE, checkItem},
+    {"a letter behind an ampersand that was typed", checkItem, WM_SYSCHAR, 'q', VK_MENU, S_FALSE, checkItem},
+    {"an item that is hidden", checkItem, WM_SYSCHAR, 'h', VK_MENU, S_FALSE, checkItem},
+    {"an item that is off", checkItem, WM_SYSCHAR, 'o', VK_MENU, S_FALSE, checkItem},
+    {"a text that shows its ampersands", checkItem, WM_SYSCHAR, 'v', VK_MENU, S_FALSE, checkItem},
     {"an ampersand that is shown", checkItem, WM_SYSCHAR, ' ', VK_MENU, S_FALSE, checkItem},
     {"the mouse", nameItem, WM_MOUSEMOVE, 0, 0, S_FALSE, nameItem},
 };
 
 TEST_F(ComPropertyPage, KeysArePartedBetweenThePageAndTheFrame) {
     Open();
+    SetDlgItemTextA(page->Window(), nameItem, "&Quit");
     for (const KeyRow& row : keyRows) {
         SCOPED_TRACE(row.name);
         SetFocus(Item(row.focus));
@@ -412,6 +494,22 @@ TEST_F(ComPropertyPage, KeysArePartedBetweenThePageAndTheFrame) {
         EXPECT_EQ(page->TranslateAccelerator(&message), row.result);
         const HWND after = Item(row.focusAfter);
         EXPECT_TRUE(GetFocus() == after || IsChild(after, GetFocus()));
+    }
+}
+
+TEST_F(ComPropertyPage, OpenListIsClosedByTheKeysOfTheFrame) {
+    Open();
+    for (const WPARAM key : {VK_RETURN, VK_ESCAPE}) {
+        SetFocus(Item(listItem));
+        SendMessageA(Item(listItem), CB_SHOWDROPDOWN, TRUE, 0);
+        ASSERT_TRUE(SendMessageA(Item(listItem), CB_GETDROPPEDSTATE, 0, 0));
+        MSG message = {GetFocus(), WM_KEYDOWN, key, 1, 0, {}};
+        EXPECT_EQ(page->TranslateAccelerator(&message), S_OK) << key;
+        while (PeekMessageA(&message, nullptr, WM_CHAR, WM_CHAR, PM_REMOVE)) // what the key wrote
+            EXPECT_EQ(page->TranslateAccelerator(&message), S_OK) << key;
+        EXPECT_FALSE(SendMessageA(Item(listItem), CB_GETDROPPEDSTATE, 0, 0)) << key;
+        message = {GetFocus(), WM_KEYDOWN, key, 1, 0, {}};
+        EXPECT_EQ(page->TranslateAccelerator(&message), S_FALSE) << key;
     }
 }
 

@@ -7,13 +7,14 @@
 #include "control/PropCommunications.h"
 #include "control/PropTerminal.h"
 #include "control/PropWireTap.h"
+#include "support/versionblock.h"
 #include "unit/diagnostics/namedmodule.h"
 
 #include <commctrl.h>
 #include <olectl.h>
 #include <prsht.h>
 
-#include <algorithm>
+#include <string>
 
 using namespace host;
 using dialogs::ItemText;
@@ -26,34 +27,7 @@ namespace {
 
 // About
 
-// A copy of this program under the module's name, with a version.
-class VersionedModule {
-  public:
-    VersionedModule() : module_("Lantry.ocx", AddVersion) {}
-
-  private:
-    struct Block { // the root of a version resource, without texts
-        WORD length = sizeof(Block);
-        WORD valueLength = sizeof(VS_FIXEDFILEINFO);
-        WORD type = 0; // binary
-        wchar_t key[16] = L"VS_VERSION_INFO";
-        WORD padding = 0;
-        VS_FIXEDFILEINFO value = {};
-    };
-    static void AddVersion(const std::string& path) {
-        Block block;
-        block.value.dwSignature = 0xFEEF04BD;
-        block.value.dwStrucVersion = 0x10000;
-        block.value.dwFileVersionMS = MAKELONG(2, 12);
-        block.value.dwFileVersionLS = MAKELONG(65535, 3);
-        const HANDLE update = BeginUpdateResourceA(path.c_str(), FALSE);
-        UpdateResourceA(update, MAKEINTRESOURCEA(16), MAKEINTRESOURCEA(VS_VERSION_INFO), 0x409, &block,
-                        sizeof block);
-        EndUpdateResourceA(update, FALSE);
-    }
-
-    NamedModule module_;
-};
+constexpr char ownVersion[] = "Version 7.5 Build 40001"; // of this program
 
 class About : public Pages {
   protected:
@@ -73,16 +47,12 @@ class About : public Pages {
     }
 };
 
-TEST_F(About, PageShowsMajorMinorAndBuild) {
-    const VersionedModule module;
+TEST_F(About, PageShowsMajorMinorAndBuildOfItsOwnModule) {
+    const NamedModule other("Lantry.ocx", AddVersion);
+    ASSERT_NE(other.Address(), 0u);
     Open(Make<CPropAbout>());
-    EXPECT_EQ(ItemText(dialog, About_Version), "Version 12.2 Build 65535");
+    EXPECT_EQ(ItemText(dialog, About_Version), ownVersion);
     EXPECT_FALSE(IsDirty());
-}
-
-TEST_F(About, PageOfAModuleWithoutAVersionShowsNone) {
-    Open(Make<CPropAbout>());
-    EXPECT_EQ(ItemText(dialog, About_Version), "");
 }
 
 TEST_F(About, ApplyOfThePageSetsNothing) {
@@ -92,10 +62,9 @@ TEST_F(About, ApplyOfThePageSetsNothing) {
 }
 
 TEST_F(About, BoxShowsTheSameUntilOk) {
-    const VersionedModule module;
     EXPECT_EQ(Play([](HWND box) {
                   EXPECT_EQ(dialogs::TextOf(box), "About Tarn Link Objects");
-                  EXPECT_EQ(ItemText(box, About_Version), "Version 12.2 Build 65535");
+                  EXPECT_EQ(ItemText(box, About_Version), ownVersion);
                   EXPECT_EQ(SendMessageA(box, DM_GETDEFID, 0, 0), MAKELRESULT(IDOK, DC_HASDEFID));
                   EXPECT_EQ(ItemText(box, IDOK), "OK");
                   EndWith(box, IDOK);
@@ -104,8 +73,16 @@ TEST_F(About, BoxShowsTheSameUntilOk) {
     EXPECT_EQ(dialogs::OpenDialogWith(About_Version), nullptr);
 }
 
-TEST_F(About, EscapeClosesTheBox) {
-    EXPECT_EQ(Play([](HWND box) { EndWith(box, IDCANCEL); }), S_OK);
+TEST_F(About, KeysCloseTheBox) {
+    for (const WPARAM key : {VK_ESCAPE, VK_RETURN, VK_SPACE}) {
+        SCOPED_TRACE(key);
+        EXPECT_EQ(Play([key](HWND box) {
+                      EXPECT_EQ(GetFocus(), GetDlgItem(box, IDOK));
+                      PostMessageA(GetFocus(), WM_KEYDOWN, key, 1);
+                      PostMessageA(GetFocus(), WM_KEYUP, key, 1);
+                  }),
+                  S_OK);
+    }
 }
 
 TEST_F(About, HostMayReleaseTheControlWhileTheBoxIsOpen) {
@@ -122,11 +99,32 @@ TEST_F(About, HostMayReleaseTheControlWhileTheBoxIsOpen) {
 
 // The system's frame
 
+// The system's own page is not on every machine; this one stands in for it.
+class FontPage final : public Unknown<FontPage, PropertyPage> {
+  public:
+    using Faces = FaceTable<FaceRow<IPropertyPage>>;
+
+  private:
+    const PageFacts& Facts() const override {
+        static constexpr PageFacts facts = {AboutPageTemplate, L"Font", L"Fonts"};
+        return facts;
+    }
+    void OnFill(IUnknown* first) override {
+        ComPtr<ITarnComm> control;
+        ComPtr<IFontDisp> font;
+        const bool has = first && SUCCEEDED(first->QueryInterface(IID_PPV_ARGS(&control))) &&
+                         SUCCEEDED(control->get_Font(&font)) && font;
+        SetDlgItemTextA(Dialog(), About_Version, has ? "a font" : "none");
+    }
+    HRESULT OnApply(const Objects&) override { return S_OK; }
+};
+
 constexpr ClassRow pageClasses[] = {
     {&CLSID_PropCommunications, CreateClass<CPropCommunications>},
     {&CLSID_PropTerminal, CreateClass<CPropTerminal>},
     {&CLSID_PropWireTap, CreateClass<CPropWireTap>},
     {&CLSID_PropAbout, CreateClass<CPropAbout>},
+    {&CLSID_CFontPropPage, CreateClass<FontPage>},
 };
 
 class RunningPages {
@@ -151,7 +149,20 @@ class RunningPages {
     DWORD cookies_[std::size(pageClasses)] = {};
 };
 
-constexpr const char* tabTitles[] = {"Communications", "Terminal", "WireTap", "About"};
+struct TabRow {
+    const char* title;
+    int item; // of the page
+    std::string (*shown)(HWND hPage, int item);
+    const char* expected;
+};
+constexpr TabRow tabs[] = {
+    {"Terminal", Terminal_CaptureMode, SelectedRow, "Visible"},
+    {"Communications", Comm_Speed, ItemText, "19200"},
+    {"WireTap", WireTap_Events,
+     [](HWND hPage, int item) { return std::string(dialogs::IsChecked(hPage, item) ? "on" : "off"); }, "on"},
+    {"Font", About_Version, ItemText, "a font"},
+    {"About", About_Version, ItemText, ownVersion},
+};
 
 BOOL CALLBACK KeepSheet(HWND hWnd, LPARAM found) {
     if (!IsWindowVisible(hWnd) || !SendMessageA(hWnd, PSM_GETTABCONTROL, 0, 0))
@@ -173,11 +184,12 @@ struct ItemSearch {
 
 BOOL CALLBACK KeepPage(HWND hWnd, LPARAM parameter) {
     auto& search = *reinterpret_cast<ItemSearch*>(parameter);
-    if (GetDlgCtrlID(hWnd) == search.item)
+    if (GetDlgCtrlID(hWnd) == search.item && IsWindowVisible(hWnd))
         search.page = GetParent(hWnd);
     return !search.page;
 }
 
+// The one that is shown.
 HWND PageWith(HWND sheet, int item) {
     ItemSearch search = {item, nullptr};
     EnumChildWindows(sheet, KeepPage, reinterpret_cast<LPARAM>(&search));
@@ -188,8 +200,10 @@ class SystemsFrame : public Pages {
   protected:
     HRESULT Show(const dialogs::User& user) {
         const RunningPages running;
-        CLSID ids[std::size(pageClasses)];
-        std::ranges::transform(pageClasses, ids, [](const ClassRow& row) { return *row.id; });
+        ComPtr<ISpecifyPropertyPages> list;
+        CAUUID ids = {};
+        EXPECT_EQ(control.As(&list), S_OK);
+        EXPECT_EQ(list->GetPages(&ids), S_OK);
         IUnknown* object = static_cast<ITarnComm*>(control.Get());
         bool acted = false;
         const auto when = When([] { return OpenSheet() != nullptr; },
@@ -197,53 +211,74 @@ class SystemsFrame : public Pages {
                                    acted = true;
                                    user(OpenSheet());
                                });
-        const HRESULT result = OleCreatePropertyFrame(frame.get(), 0, 0, L"Comm1", 1, &object, std::size(ids),
-                                                      ids, 0, 0, nullptr);
+        const HRESULT result = OleCreatePropertyFrame(frame.get(), 0, 0, L"Comm1", 1, &object, ids.cElems,
+                                                      ids.pElems, 0, 0, nullptr);
+        CoTaskMemFree(ids.pElems);
         EXPECT_TRUE(acted);
         return result;
     }
 };
 
-TEST_F(SystemsFrame, HasATabForEachPage) {
+HWND TabsOf(HWND sheet) {
+    return reinterpret_cast<HWND>(SendMessageA(sheet, PSM_GETTABCONTROL, 0, 0));
+}
+
+// Without the ampersand.
+std::string TitleOf(HWND sheet, int place) {
+    char text[64] = {};
+    TCITEMA tab = {};
+    tab.mask = TCIF_TEXT;
+    tab.pszText = text;
+    tab.cchTextMax = sizeof text;
+    SendMessageA(TabsOf(sheet), TCM_GETITEMA, static_cast<WPARAM>(place), reinterpret_cast<LPARAM>(&tab));
+    std::string title = text;
+    std::erase(title, '&');
+    return title;
+}
+
+TEST_F(SystemsFrame, HasATabForEachPageOfTheControl) {
     const LONG locks = ModuleLockCount();
     EXPECT_EQ(Show([](HWND sheet) {
-                  const auto tabs = reinterpret_cast<HWND>(SendMessageA(sheet, PSM_GETTABCONTROL, 0, 0));
-                  Texts titles;
-                  const int count = TabCtrl_GetItemCount(tabs);
-                  for (int i = 0; i < count; ++i) {
-                      char text[64] = {};
-                      TCITEMA tab = {};
-                      tab.mask = TCIF_TEXT;
-                      tab.pszText = text;
-                      tab.cchTextMax = sizeof text;
-                      SendMessageA(tabs, TCM_GETITEMA, static_cast<WPARAM>(i),
-                                   reinterpret_cast<LPARAM>(&tab));
-                      titles.push_back(text);
-                      titles.back().erase(std::remove(titles.back().begin(), titles.back().end(), '&'),
-                                          titles.back().end());
-                  }
-                  EXPECT_EQ(titles, Texts(std::begin(tabTitles), std::end(tabTitles)));
+                  EXPECT_EQ(TabCtrl_GetItemCount(TabsOf(sheet)), static_cast<int>(std::size(tabs)));
+                  for (int place = 0; const TabRow& row : tabs)
+                      EXPECT_EQ(TitleOf(sheet, place++), row.title);
                   PostMessageA(sheet, WM_COMMAND, IDCANCEL, 0);
               }),
               S_OK);
     EXPECT_EQ(ModuleLockCount(), locks) << "all pages are gone";
 }
 
-// What the frame does at OK is the system's affair: Wine's calls no Apply.
-TEST_F(SystemsFrame, ShowsAFilledPageInItsTab) {
+TEST_F(SystemsFrame, EachTabShowsItsFilledPageAlone) {
     ASSERT_EQ(control->put_Settings(_bstr_t(L"19200,o,7,2")), S_OK);
+    ASSERT_EQ(control->put_CaptureMode(Capture_Visible), S_OK);
+    ASSERT_EQ(control->put_WireTapEvents(VARIANT_TRUE), S_OK);
     EXPECT_EQ(Show([](HWND sheet) {
-                  const HWND opened = PageWith(sheet, Comm_Replacement);
-                  ASSERT_TRUE(opened);
-                  EXPECT_TRUE(IsWindowVisible(opened));
-                  EXPECT_EQ(ItemText(opened, Comm_Speed), "19200");
-                  EXPECT_EQ(SelectedRow(opened, Comm_Parity), "Odd");
-                  dialogs::Tell(opened, Comm_Speed, CB_SETCURSEL, 10);
-                  dialogs::Notify(opened, Comm_Speed, CBN_SELCHANGE);
+                  for (int place = 0; const TabRow& row : tabs) {
+                      SCOPED_TRACE(row.title);
+                      EXPECT_TRUE(SendMessageA(sheet, PSM_SETCURSEL, static_cast<WPARAM>(place++), 0));
+                      for (const TabRow& each : tabs)
+                          EXPECT_EQ(PageWith(sheet, each.item) != nullptr, each.item == row.item)
+                              << each.title;
+                      EXPECT_EQ(row.shown(PageWith(sheet, row.item), row.item), row.expected);
+                  }
                   PostMessageA(sheet, WM_COMMAND, IDCANCEL, 0);
               }),
               S_OK);
-    EXPECT_EQ(GetText(&ITarnComm::get_Settings), "19200,o,7,2") << "cancelled";
+}
+
+// What the frame does with a change is the system's affair: Wine's hears of none, and calls no Apply at OK.
+TEST_F(SystemsFrame, CancelledChangeSetsNothing) {
+    ASSERT_EQ(control->put_Settings(_bstr_t(L"19200,o,7,2")), S_OK);
+    EXPECT_EQ(Show([](HWND sheet) {
+                  SendMessageA(sheet, PSM_SETCURSEL, 1, 0);
+                  const HWND page = PageWith(sheet, Comm_Speed);
+                  EXPECT_TRUE(page);
+                  dialogs::Tell(page, Comm_Speed, CB_SETCURSEL, 10);
+                  dialogs::Notify(page, Comm_Speed, CBN_SELCHANGE);
+                  PostMessageA(sheet, WM_COMMAND, IDCANCEL, 0);
+              }),
+              S_OK);
+    EXPECT_EQ(GetText(&ITarnComm::get_Settings), "19200,o,7,2");
 }
 
 } // namespace

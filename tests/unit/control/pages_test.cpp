@@ -121,6 +121,43 @@ TEST_F(Pages, AllObjectsAreSetTheFirstOneFills) {
     EXPECT_EQ(rows, 44);
 }
 
+// With everything in it enabled.
+struct TabRow {
+    Page (*make)();
+    std::vector<int> items;
+};
+const TabRow tabRows[] = {
+    {Make<CPropCommunications>,
+     {Comm_Port, Comm_Speed, Comm_Parity, Comm_DataBits, Comm_StopBits, Comm_InBufferSize, Comm_OutBufferSize,
+      Comm_ReplacesBytes, Comm_Replacement, Comm_TriggersReceive, Comm_RThreshold, Comm_TriggersOnComm}},
+    {Make<CPropWireTap>,
+     {WireTap_Enabled, WireTap_Input, WireTap_Output, WireTap_Events, WireTap_Warnings, WireTap_Properties,
+      WireTap_Transfer}},
+    {Make<CPropTerminal>,
+     {Terminal_ScrollColumn, Terminal_ScrollRow, Terminal_ScrollKeyboard, Terminal_AutoReceive,
+      Terminal_AutoSend, Terminal_Rows, Terminal_Columns, Terminal_ScrollRows, Terminal_InputEcho,
+      Terminal_Echo, Terminal_CaptureMode, Terminal_CaptureFilename}},
+};
+
+TEST_F(Pages, TabReachesEachItemInItsOrder) {
+    ASSERT_EQ(control->put_WireTap(VARIANT_TRUE), S_OK);
+    ASSERT_EQ(control->put_RThreshold(1), S_OK);
+    ASSERT_EQ(control->put_ParityReplace(_bstr_t(L"?")), S_OK);
+    for (const TabRow& row : tabRows) {
+        Open(row.make());
+        EXPECT_EQ(dialogs::TabWalk(dialog, row.items.front()), row.items);
+        page->Deactivate();
+    }
+}
+
+TEST_F(Pages, PortIsReachedByItsLetter) {
+    Open(Make<CPropCommunications>());
+    SetFocus(GetDlgItem(dialog, Comm_TriggersOnComm));
+    MSG message = {GetFocus(), WM_SYSCHAR, 'p', 0, 0, {}};
+    EXPECT_EQ(page->TranslateAccelerator(&message), S_OK);
+    EXPECT_TRUE(IsChild(GetDlgItem(dialog, Comm_Port), GetFocus()));
+}
+
 // Communications
 
 class CommunicationsPage : public Pages {
@@ -318,6 +355,54 @@ TEST_F(CommunicationsPage, CheckingTheThresholdBegins1AndUncheckingEmptiesIt) {
     EXPECT_EQ(Get(&ITarnComm::get_RThreshold), 0);
 }
 
+// Counts the changes that it hears of, and passes each on at once.
+class ApplyingSite : public Counted<ApplyingSite, IPropertyPageSite> {
+  public:
+    using Faces = FaceTable<FaceRow<IPropertyPageSite>>;
+
+    explicit ApplyingSite(Page& page) : page_(page) {}
+    HRESULT STDMETHODCALLTYPE OnStatusChange(DWORD) override {
+        ++changes;
+        return page_->Apply();
+    }
+    HRESULT STDMETHODCALLTYPE GetLocaleID(LCID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetPageContainer(IUnknown**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE TranslateAccelerator(MSG*) override { return S_FALSE; }
+
+    int changes = 0;
+
+  private:
+    Page& page_;
+};
+
+TEST_F(CommunicationsPage, CountThatThePageFillsInIsNoChangeOfItsOwn) {
+    Start();
+    ApplyingSite site(page);
+    ASSERT_EQ(page->SetPageSite(&site), S_OK);
+    Press(dialog, Comm_TriggersReceive);
+    EXPECT_EQ(site.changes, 1);
+    EXPECT_EQ(Get(&ITarnComm::get_RThreshold), 1);
+    Press(dialog, Comm_TriggersReceive);
+    EXPECT_EQ(site.changes, 2);
+    EXPECT_EQ(Get(&ITarnComm::get_RThreshold), 0);
+    EXPECT_FALSE(IsDirty());
+    EXPECT_EQ(page->SetPageSite(nullptr), S_OK);
+}
+
+TEST_F(CommunicationsPage, FrameThatAppliesAtOnceSetsTheRowThatWasChosen) {
+    ASSERT_EQ(control->put_Settings(_bstr_t(L"9600,n,8,1")), S_OK);
+    Start();
+    ApplyingSite site(page);
+    ASSERT_EQ(page->SetPageSite(&site), S_OK);
+    COMBOBOXINFO parts = {};
+    parts.cbSize = sizeof parts;
+    ASSERT_TRUE(GetComboBoxInfo(GetDlgItem(dialog, Comm_Speed), &parts));
+    SendMessageA(parts.hwndList, LB_SETCURSEL, 7, 0); // as when a row is clicked: the edit follows later
+    dialogs::Notify(dialog, Comm_Speed, CBN_SELCHANGE);
+    EXPECT_EQ(GetText(&ITarnComm::get_Settings), "19200,n,8,1");
+    EXPECT_EQ(page->SetPageSite(nullptr), S_OK);
+}
+
 TEST_F(CommunicationsPage, CheckingTheThresholdKeepsACountThatIsThere) {
     Start();
     Type(dialog, Comm_RThreshold, "5");
@@ -392,6 +477,8 @@ class WireTapPage : public Pages {
 
     static constexpr int subjects[] = {WireTap_Input,    WireTap_Output,     WireTap_Events,
                                        WireTap_Warnings, WireTap_Properties, WireTap_Transfer};
+    static constexpr const char* names[] = {"WireTapInput",    "WireTapOutput",     "WireTapEvents",
+                                            "WireTapWarnings", "WireTapProperties", "WireTapTransfer"};
 };
 
 TEST_F(WireTapPage, ReadsInOrder) {
@@ -447,15 +534,28 @@ TEST_F(WireTapPage, SubjectsAreOnOnlyWhileTheLogIs) {
     EXPECT_TRUE(IsDirty());
 }
 
+// The setters are logged as long as their own subject is on, so that one stays on.
 TEST_F(WireTapPage, SetsInOrder) {
     LogProperties();
-    control->put_WireTapEvents(VARIANT_FALSE);
-    Start();
-    for (const int item : subjects)
-        CheckDlgButton(dialog, item, item == WireTap_Events ? BST_UNCHECKED : BST_CHECKED);
-    EXPECT_EQ(LinesOfApply(),
-              (Texts{"WireTap = True", "WireTapInput = True", "WireTapOutput = True", "WireTapEvents = False",
-                     "WireTapWarnings = True", "WireTapProperties = True", "WireTapTransfer = True"}));
+    for (const bool even : {false, true}) {
+        const auto isChecked = [even](int item) {
+            return item == WireTap_Properties || (item % 2 == 0) == even;
+        };
+        for (const SubjectRow& row : subjectRows)
+            (control.Get()->*row.put)(isChecked(row.item) && row.item != WireTap_Properties ? VARIANT_FALSE
+                                                                                            : VARIANT_TRUE);
+        Start();
+        Texts expected = {"WireTap = True"};
+        for (const int item : subjects) {
+            CheckDlgButton(dialog, item, isChecked(item) ? BST_CHECKED : BST_UNCHECKED);
+            expected.push_back(std::string(names[item - WireTap_Input]) + " = " +
+                               (isChecked(item) ? "True" : "False"));
+        }
+        EXPECT_EQ(LinesOfApply(), expected);
+        for (const SubjectRow& row : subjectRows)
+            EXPECT_EQ(Get(row.get) != VARIANT_FALSE, isChecked(row.item)) << row.item;
+        page->Deactivate();
+    }
 }
 
 TEST_F(WireTapPage, UncheckingTheLogLeavesItOn) {
@@ -559,6 +659,16 @@ TEST_F(TerminalPage, NumbersAreSigned) {
     Type(dialog, Terminal_ScrollRows, "-1");
     LogProperties();
     EXPECT_EQ(LinesOfApply().back(), "ScrollRows = -1");
+}
+
+TEST_F(TerminalPage, ANumberCanBeTypedWithItsSign) {
+    Start();
+    for (const int item : {Terminal_Rows, Terminal_Columns, Terminal_ScrollRows}) {
+        Type(dialog, item, "");
+        for (const char letter : {'-', '5'})
+            dialogs::Tell(dialog, item, WM_CHAR, static_cast<WPARAM>(letter));
+        EXPECT_EQ(ItemText(dialog, item), "-5") << item;
+    }
 }
 
 TEST_F(TerminalPage, LeavesTheGuardOfInputQuiet) {

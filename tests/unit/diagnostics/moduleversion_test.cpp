@@ -2,34 +2,9 @@
 
 #include "logtest.h"
 #include "namedmodule.h"
+#include "support/versionblock.h"
 
 using namespace logfiles;
-
-namespace {
-
-// The root block of a version resource, without the texts that usually follow it.
-struct VersionBlock {
-    WORD length = sizeof(VersionBlock);
-    WORD valueLength = sizeof(VS_FIXEDFILEINFO);
-    WORD type = 0; // binary
-    wchar_t key[16] = L"VS_VERSION_INFO";
-    WORD padding = 0;
-    VS_FIXEDFILEINFO value = {};
-};
-
-void AddVersion(const std::string& path) {
-    VersionBlock block;
-    block.value.dwSignature = 0xFEEF04BD;
-    block.value.dwStrucVersion = 0x10000;
-    block.value.dwFileVersionMS = MAKELONG(2, 12);
-    block.value.dwFileVersionLS = MAKELONG(65535, 3);
-    const HANDLE update = BeginUpdateResourceA(path.c_str(), FALSE);
-    UpdateResourceA(update, MAKEINTRESOURCEA(16), MAKEINTRESOURCEA(VS_VERSION_INFO), 0x409, &block,
-                    sizeof block);
-    EndUpdateResourceA(update, FALSE);
-}
-
-} // namespace
 
 using WireTapVersion = LogTest;
 
@@ -51,4 +26,23 @@ TEST_F(WireTapVersion, ThatCannotBeReadLeavesTheTimeAlone) {
 
 TEST(ModuleVersion, OfAModuleThatIsNotLoadedIsNothing) {
     EXPECT_EQ(VersionBanner(), "");
+}
+
+TEST(ModuleVersion, OfAFileIsItsFourParts) {
+    const NamedModule versioned("versioned.dll", AddVersion);
+    EXPECT_EQ(VersionOfFile(versioned.Path().c_str()), (FileVersion{12, 2, 3, 65535}));
+    EXPECT_EQ(VersionOfFile(HostPath().c_str()), std::nullopt) << "a program without one";
+    EXPECT_EQ(VersionOfFile("no such file"), std::nullopt);
+}
+
+TEST(ModuleVersion, LineHasMajorMinorAndBuild) {
+    EXPECT_EQ(VersionLine(FileVersion{12, 2, 3, 65535}), "Version 12.2 Build 65535");
+    EXPECT_EQ(VersionLine(FileVersion{0, 0, 7, 0}), "Version 0.0 Build 0");
+    EXPECT_EQ(VersionLine(std::nullopt), "");
+}
+
+TEST(ModuleVersion, LineIsOfThisModuleWhateverOthersAreThere) {
+    const NamedModule module("Lantry.ocx", AddVersion);
+    ASSERT_NE(module.Address(), 0u);
+    EXPECT_EQ(VersionLine(), "") << "this program has no version";
 }

@@ -34,6 +34,7 @@ class NamedModule {
     NamedModule(const NamedModule&) = delete;
     NamedModule& operator=(const NamedModule&) = delete;
 
+    const std::string& Path() const { return path_; }
     ULONG_PTR Address() const { return reinterpret_cast<ULONG_PTR>(module_); }
 
   private:

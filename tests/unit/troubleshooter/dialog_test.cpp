@@ -438,6 +438,30 @@ TEST_F(TroubleShootDialog, ClosingAppliesNothing) {
     }
 }
 
+TEST_F(TroubleShootDialog, ExitWhileTheHostIsToldSetsNothingTwice) {
+    EXPECT_EQ(Show([&](HWND hDlg) {
+                  control.onWireTap = [this, hDlg] {
+                      if (control.told.size() < 3)
+                          Click(hDlg, exitItem);
+                  };
+                  Click(hDlg, exitItem);
+              }),
+              IDOK);
+    EXPECT_EQ(control.told, Texts({"WireTap off", "capture "}));
+}
+
+TEST_F(TroubleShootDialog, ExitThatFailsCanBeChosenAgain) {
+    EXPECT_EQ(Show([&](HWND hDlg) {
+                  control.onWireTap = [] { throw std::runtime_error("host"); };
+                  Click(hDlg, exitItem);
+                  EXPECT_TRUE(IsWindow(hDlg));
+                  control.onWireTap = {};
+                  Click(hDlg, exitItem);
+              }),
+              IDOK);
+    EXPECT_EQ(control.told, Texts({"WireTap off", "WireTap off", "capture "}));
+}
+
 TEST_F(TroubleShootDialog, ExitWithoutALoggingPageSetsNothing) {
     EXPECT_EQ(Show([&](HWND hDlg) {
                   DestroyWindow(LoggingPage(hDlg));

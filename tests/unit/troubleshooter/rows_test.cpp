@@ -1,6 +1,8 @@
 // What stands on the troubleshooter's pages.
 #include "troubleshootuser.h"
 
+#include <algorithm>
+
 using namespace troubleshooter;
 
 namespace {
@@ -88,27 +90,40 @@ TEST(TroubleShootPorts, OfOtherKindsHaveNoRows) {
     EXPECT_EQ(PortRows(machine.Sources().probePort), Texts());
 }
 
-TEST(TroubleShootPorts, OfThisMachineAgreeWithTheSystem) {
-    Texts expected;
-    for (int port = 1; port <= 32; ++port) {
-        const std::string name = "COM" + std::to_string(port);
-        COMMCONFIG config = {};
-        config.dwSize = sizeof config;
-        DWORD size = sizeof config;
-        if (!GetDefaultCommConfigA(name.c_str(), &config, &size))
-            continue;
-        const PortProbe probe = ProbePort(name.c_str());
-        EXPECT_EQ(probe.defaults.speed, config.dcb.BaudRate) << name;
-        EXPECT_EQ(probe.defaults.byteSize, config.dcb.ByteSize) << name;
-        EXPECT_EQ(probe.defaults.parity, config.dcb.Parity) << name;
-        if (probe.kind == PortKind::Serial)
-            expected.push_back("10" + name);
+// The machine's settings of one port of the cable, changed for a while.
+class ChangedDefaults {
+  public:
+    ChangedDefaults(const char* port, DWORD speed, BYTE byteSize, BYTE parity) : port_(port) {
+        before_.dwSize = sizeof before_;
+        DWORD size = sizeof before_;
+        good = GetDefaultCommConfigA(port, &before_, &size);
+        COMMCONFIG changed = before_;
+        changed.dcb.BaudRate = speed;
+        changed.dcb.ByteSize = byteSize;
+        changed.dcb.Parity = parity;
+        good = good && SetDefaultCommConfigA(port, &changed, sizeof changed);
     }
-    Texts headings;
-    for (const std::string& row : PortRows(ProbePort))
-        if (RowOf(row).heading)
-            headings.push_back(row);
-    EXPECT_EQ(headings, expected);
+    ~ChangedDefaults() { SetDefaultCommConfigA(port_, &before_, sizeof before_); }
+    ChangedDefaults(const ChangedDefaults&) = delete;
+    ChangedDefaults& operator=(const ChangedDefaults&) = delete;
+
+    bool good;
+
+  private:
+    const char* port_;
+    COMMCONFIG before_ = {};
+};
+
+TEST(TroubleShootPorts, OfThisMachineAreAsItsSettingsSay) {
+    const ChangedDefaults changed("COM5", 19200, 7, EVENPARITY);
+    ASSERT_TRUE(changed.good);
+    const Texts rows = PortRows(ProbePort);
+    const auto heading = std::ranges::find(rows, "10COM5");
+    ASSERT_GE(rows.end() - heading, 4);
+    EXPECT_EQ(Texts(heading + 1, heading + 4),
+              Texts({"00    Default speed: 19200 bps", "00    Default byte size: 7",
+                     "00    Default parity: Even"}));
+    EXPECT_EQ(std::ranges::count(rows, "10COM32"), 0) << "it has no such port";
 }
 
 // Modems
@@ -228,20 +243,46 @@ TEST(TroubleShootLibraries, OfThisProcessAreFound) {
     EXPECT_FALSE(FindLoadedLibrary("Msvbvm50.dll"));
 }
 
-TEST(TroubleShootLibraries, CreationIsInLocalTime) {
+struct ZoneRow {
+    const char* name;
+    LONG minutesWest;
+};
+
+const ZoneRow zones[] = {{"east", -330}, {"none", 0}, {"west", 480}, {"another day", -14 * 60}};
+
+ULONGLONG Minutes(const SYSTEMTIME& time) {
+    FILETIME asFile = {};
+    SystemTimeToFileTime(&time, &asFile);
+    return ULARGE_INTEGER{{asFile.dwLowDateTime, asFile.dwHighDateTime}}.QuadPart / 600000000;
+}
+
+TEST(TroubleShootLibraries, CreationIsByTheClockOfTheZone) {
     char path[MAX_PATH] = {};
     GetModuleFileNameA(nullptr, path, MAX_PATH);
     WIN32_FILE_ATTRIBUTE_DATA file = {};
+    SYSTEMTIME utc = {};
     ASSERT_TRUE(GetFileAttributesExA(path, GetFileExInfoStandard, &file));
-    FILETIME local = {};
-    SYSTEMTIME expected = {};
-    FileTimeToLocalFileTime(&file.ftCreationTime, &local);
-    FileTimeToSystemTime(&local, &expected);
+    ASSERT_TRUE(FileTimeToSystemTime(&file.ftCreationTime, &utc));
+    for (const ZoneRow& row : zones) {
+        SCOPED_TRACE(row.name);
+        TIME_ZONE_INFORMATION zone = {};
+        zone.Bias = row.minutesWest;
+        const auto created = LocalCreationOf(path, &zone);
+        ASSERT_TRUE(created);
+        EXPECT_EQ(static_cast<LONGLONG>(Minutes(utc) - Minutes(*created)), row.minutesWest);
+    }
+    EXPECT_FALSE(LocalCreationOf("no such file"));
+}
+
+TEST(TroubleShootLibraries, ProgramItselfIsByTheMachinesClock) {
+    char path[MAX_PATH] = {};
+    GetModuleFileNameA(nullptr, path, MAX_PATH);
+    TIME_ZONE_INFORMATION zone = {};
+    GetTimeZoneInformation(&zone);
     const auto self = FindLoadedLibrary(nullptr); // the program itself
     ASSERT_TRUE(self && self->created);
     EXPECT_EQ(self->path, path);
-    EXPECT_EQ(self->created->wHour, expected.wHour);
-    EXPECT_EQ(self->created->wDay, expected.wDay);
+    EXPECT_EQ(Minutes(*self->created), Minutes(LocalCreationOf(path, &zone).value()));
     EXPECT_FALSE(self->version);
 }
 
