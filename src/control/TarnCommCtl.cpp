@@ -62,8 +62,8 @@ const ControlFacts& CTarnCommCtl::Facts() const {
 PropertyLog CTarnCommCtl::Log() const {
     const ControlProperties& switches = m_Properties;
     const bool hasKind = switches.m_bWireTapProperties || switches.m_bWireTapEvents;
-    const bool isWanted =
-        switches.m_bWireTap && hasKind && m_nNoLog <= 0 && !m_szControlName.empty() && Ambient().IsUserMode();
+    const bool isQuiet = m_nNoLog > 0 || EventsAreFrozen() || m_szControlName.empty();
+    const bool isWanted = switches.m_bWireTap && hasKind && !isQuiet && Ambient().IsUserMode();
     const HWND object = CommObject();
     const bool mayLog = isWanted && ControlOf(object) == this;
     return PropertyLog({object, m_szControlName, mayLog && switches.m_bWireTapProperties,
@@ -147,7 +147,7 @@ bool CTarnCommCtl::OnWindowCreated() {
     Layout();
     ApplyProperties();
     ShowWindow(m_hWndComm, SW_SHOWNA); // its first event, in which the host may destroy the window
-    SetBorder();
+    put_BorderStyle(static_cast<CommBorderStyle>(m_Properties.m_nBorderStyle)); // logged, too
     m_bCreated = m_hWndComm != nullptr;
     return m_bCreated;
 }

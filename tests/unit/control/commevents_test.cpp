@@ -178,6 +178,16 @@ TEST_F(CommEvents, NothingIsLoggedWithoutItsSwitchesOrAtDesignTime) {
     EXPECT_EQ(Log(), Lines{"TarnComm_Send() Event"});
 }
 
+TEST_F(CommEvents, NothingIsLoggedWhileTheHostFreezesEvents) {
+    LogEvents();
+    control->FreezeEvents(TRUE);
+    EXPECT_EQ(HeardOf(1), (Lines{"OnComm", "Send"})) << "told all the same";
+    EXPECT_EQ(Log(), Lines{});
+    control->FreezeEvents(FALSE);
+    HeardOf(1);
+    EXPECT_EQ(Log(), Lines{"TarnComm_Send() Event"});
+}
+
 TEST_F(CommEvents, AnErrorCanBeReadInsideOfItsEventOnly) {
     CommEvent event = {};
     CommError error = {};

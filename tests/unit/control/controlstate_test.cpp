@@ -220,6 +220,35 @@ TEST_F(StoredTarnComm, SavedLoadsInAnother) {
     EXPECT_EQ(Ask<VARIANT_BOOL>(control, &CTarnCommCtl::get_PortOpen), VARIANT_FALSE);
 }
 
+// What has no row is as at the start, and a control that was open does not open by loading.
+TEST_F(StoredTarnComm, WhatHasNoRowIsAsAtTheStart) {
+    control->put_AutoSend(VARIANT_FALSE); // of the comm object alone, but AutoProcess is read from there
+    control->put_AutoScroll(4);
+    control->put_InputMode(InputMode_Binary);
+    control->put_LookUpInputLen(7);
+    control->put_ModemTitle(_bstr_t(L"Other"));
+    control->put_XferPath(_bstr_t(L"C:\\in"));
+    control->put_DTREnable(VARIANT_FALSE);
+    control->put_CommPort(_variant_t(L"COM5"));
+    control->put_PortOpen(VARIANT_TRUE);
+    ASSERT_EQ(Ask<VARIANT_BOOL>(control, &CTarnCommCtl::get_PortOpen), VARIANT_TRUE);
+    const Bytes saved = Saved();
+    ASSERT_EQ(NewObject(control), S_OK);
+    ASSERT_EQ(Load(saved), S_OK);
+    EXPECT_EQ(Description(), L"");
+    EXPECT_EQ(Ask<VARIANT_BOOL>(control, &CTarnCommCtl::get_PortOpen), VARIANT_FALSE);
+    EXPECT_STREQ(GetCommPort(control->CommObject()), "COM5");
+    EXPECT_EQ(Ask<VARIANT_BOOL>(control, &CTarnCommCtl::get_AutoSend), VARIANT_FALSE);
+    EXPECT_EQ(Ask<VARIANT_BOOL>(control, &CTarnCommCtl::get_AutoReceive), VARIANT_TRUE);
+    EXPECT_EQ(Ask<LONG>(control, &CTarnCommCtl::get_AutoProcess), 1);
+    EXPECT_EQ(control->Properties().m_nAutoScroll, 2);
+    EXPECT_EQ(Ask<CommInputMode>(control, &CTarnCommCtl::get_InputMode), InputMode_Text);
+    EXPECT_EQ(Ask<LONG>(control, &CTarnCommCtl::get_LookUpInputLen), 0);
+    EXPECT_EQ(Text(&CTarnCommCtl::get_ModemTitle), L"Hayes Compatible");
+    EXPECT_EQ(Text(&CTarnCommCtl::get_XferPath), L"");
+    EXPECT_EQ(Ask<VARIANT_BOOL>(control, &CTarnCommCtl::get_DTREnable), VARIANT_TRUE);
+}
+
 TEST_F(StoredTarnComm, NoFontIsStoredAndLoaded) {
     control->putref_Font(nullptr);
     control->put_PhoneNumber(_bstr_t(L"555"));

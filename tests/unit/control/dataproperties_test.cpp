@@ -451,6 +451,28 @@ TEST_F(BlockingProperties, ASecondOneIsRefusedByBothNames) {
     }
 }
 
+// Whoever reads asks for automatic processing first, whoever talks to the modem for a property under way.
+TEST_F(BlockingProperties, EachHasItsFirstRefusal) {
+    OpenForWait();
+    std::vector<Failure> refusals;
+    const auto meanwhile = host::After(50, [&] {
+        control->put_AutoProcess(TARN_PROCESS_BOTH);
+        for (const Blocking& inner : waits)
+            refusals.push_back(FailureOf(inner.call(*control.Get())));
+        StopWait();
+    });
+    AskText(*control.Get());
+    ASSERT_EQ(refusals.size(), std::size(waits));
+    for (size_t i = 0; i < refusals.size(); ++i) {
+        const bool reads = waits[i].call == AskText || waits[i].call == AskLine;
+        const std::string why =
+            reads ? "while AutoReceive is True." : "until the Input property has returned.";
+        EXPECT_EQ(refusals[i],
+                  (Failure{static_cast<HRESULT>(0x800A0005),
+                           std::string("Cannot access the ") + waits[i].name + " property " + why}));
+    }
+}
+
 TEST_F(BlockingProperties, AReleasedControlLivesUntilTheEndOfItsWait) {
     for (const Blocking& wait : waits) {
         SetUp();

@@ -114,6 +114,21 @@ TEST_F(ControlLife, TheTerminalFillsTheControlAndIsShown) {
     EXPECT_TRUE(EqualRect(&all, &terminal));
 }
 
+// The one property that the first window sets by its setter.
+TEST_F(ControlLife, TheFirstWindowLogsItsBorder) {
+    for (const int border : {1, 0}) {
+        control->Properties().m_nBorderStyle = border;
+        control->Properties().m_bWireTap = trueFlag;
+        control->Properties().m_bWireTapProperties = trueFlag;
+        host::StartLogAnew();
+        DeleteFileA(logfiles::WireTapPath().c_str());
+        ASSERT_EQ(container.Do(OLEIVERB_INPLACEACTIVATE), S_OK);
+        EXPECT_EQ(Log(), Lines{"TarnComm.BorderStyle = " + std::to_string(border)});
+        EXPECT_EQ((GetWindowLongA(Object(), GWL_STYLE) & WS_BORDER) != 0, border == 1);
+        EXPECT_EQ(control->InPlaceDeactivate(), S_OK);
+    }
+}
+
 TEST_F(ControlLife, AFrozenHostHearsOfNoFirstShow) {
     control->FreezeEvents(TRUE);
     ASSERT_EQ(container.Do(OLEIVERB_INPLACEACTIVATE), S_OK);

@@ -1,5 +1,7 @@
 #include "loggedcontrol.h"
 
+#include "core/live.h"
+
 using namespace controltest;
 
 namespace {
@@ -82,6 +84,55 @@ TEST_F(LoggingRows, TransferSwitchReachesTheObjectAndIsReadSilently) {
     EXPECT_EQ(LogOf([&] { control->get_WireTapTransfer(&value); }), "");
     EXPECT_EQ(value, VARIANT_TRUE);
     EXPECT_EQ(control->get_WireTapTransfer(nullptr), E_POINTER);
+}
+
+struct ObjectSwitch {
+    const char* name;
+    HRESULT (STDMETHODCALLTYPE ITarnComm::*put)(VARIANT_BOOL);
+    bool (*isOn)(const COMCTL& record);
+};
+
+constexpr ObjectSwitch objectSwitches[] = {
+    {"Input", &ITarnComm::put_WireTapInput, [](const COMCTL& record) { return record.bWireTapInput != 0; }},
+    {"Output", &ITarnComm::put_WireTapOutput,
+     [](const COMCTL& record) { return record.bWireTapOutput != 0; }},
+    {"Transfer", &ITarnComm::put_WireTapTransfer,
+     [](const COMCTL& record) { return record.bWireTapTransfer != 0; }},
+};
+
+std::string SwitchesOf(HWND object) {
+    const COMCTL* record = RecordOf(object);
+    std::string names;
+    for (const ObjectSwitch& row : objectSwitches)
+        if (record && row.isOn(*record))
+            names += row.name;
+    return names;
+}
+
+TEST(LoggingSwitch, ThreeReachTheObjectWithTheSwitchOfAllOnly) {
+    for (const ObjectSwitch& row : objectSwitches) {
+        SCOPED_TRACE(row.name);
+        Control control;
+        EXPECT_EQ((control.Face().*row.put)(VARIANT_TRUE), S_OK);
+        EXPECT_EQ(SwitchesOf(control.Object()), "");
+        control->put_WireTap(VARIANT_TRUE);
+        EXPECT_EQ(SwitchesOf(control.Object()), row.name);
+        EXPECT_EQ((control.Face().*row.put)(VARIANT_FALSE), S_OK);
+        EXPECT_EQ(SwitchesOf(control.Object()), "");
+    }
+}
+
+TEST_F(LoggingRows, LongLineIsCut) {
+    control.Container().site.ambients[DISPID_AMBIENT_DISPLAYNAME] = std::wstring(300, L'N').c_str();
+    control->ApplyProperties();
+    EXPECT_EQ(LogOf([&] { control->put_Columns(70); }), Line(std::string(255, 'N')));
+}
+
+TEST_F(LoggingRows, NothingIsLoggedWhileTheHostFreezesEvents) {
+    control->FreezeEvents(TRUE);
+    EXPECT_EQ(LogOf([&] { control->put_Columns(70); }), "");
+    control->FreezeEvents(FALSE);
+    EXPECT_EQ(LogOf([&] { control->put_Columns(71); }), Line("Comm.Columns = 71"));
 }
 
 TEST_F(LoggingRows, PropertiesSwitchIsMindedAtOnce) {

@@ -2,6 +2,7 @@
 #include "com/unknown.h"
 #include "control/scriptextension.h"
 #include "control/TarnCommCtl.h"
+#include "support/every.h"
 #include "support/line.h"
 
 #include <comdef.h>
@@ -255,6 +256,67 @@ TEST_F(ScriptExtensionTest, ReceiveLineIsLineInput) {
     BSTR line = nullptr;
     EXPECT_EQ(script->ReceiveLine(&line), S_OK);
     EXPECT_STREQ(_bstr_t(line, false), L"a line");
+}
+
+// What a host does while a script waits.
+
+struct ScriptWait {
+    const char* name;
+    HRESULT (*wait)(IScriptExtension& script, BSTR* came);
+};
+
+constexpr ScriptWait scriptWaits[] = {
+    {"WaitFor",
+     [](IScriptExtension& script, BSTR* came) {
+         return script.WaitFor(_variant_t(L"never"), missing, missing, missing, missing, missing, missing,
+                               missing, missing, missing, came);
+     }},
+    {"Receive", [](IScriptExtension& script, BSTR* came) { return script.Receive(_variant_t(5L), came); }},
+    {"ReceiveLine", [](IScriptExtension& script, BSTR* came) { return script.ReceiveLine(came); }},
+};
+
+TEST_F(ScriptExtensionTest, WaitsEndWithTheObject) {
+    for (const ScriptWait& row : scriptWaits) {
+        SCOPED_TRACE(row.name);
+        ASSERT_EQ(NewObject(control), S_OK);
+        ASSERT_EQ(control->get_ScriptExtension(&script), S_OK);
+        Open();
+        control->put_InTimeOut(30000);
+        const auto close = After(50, [&] { DestroyWindow(control->CommObject()); });
+        const Clock clock;
+        BSTR came = nullptr;
+        EXPECT_EQ(row.wait(*script.Get(), &came), S_OK);
+        EXPECT_EQ(SysStringLen(came), 0u);
+        SysFreeString(came);
+        EXPECT_LT(clock.Gone(), 20000u);
+        VARIANT_BOOL busy = VARIANT_TRUE;
+        EXPECT_EQ(control->get_Busy(&busy), S_OK);
+        EXPECT_EQ(busy, VARIANT_FALSE);
+    }
+}
+
+TEST_F(ScriptExtensionTest, ControlAndScriptMayBeReleasedMeanwhile) {
+    for (const ScriptWait& row : scriptWaits) {
+        SCOPED_TRACE(row.name);
+        ASSERT_EQ(NewObject(control), S_OK);
+        ASSERT_EQ(control->get_ScriptExtension(&script), S_OK);
+        Open();
+        control->put_InTimeOut(30000);
+        const HWND object = control->CommObject();
+        IScriptExtension* const borrowed = script.Get();
+        bool outlived = false;
+        const auto release = After(50, [&] {
+            SetShutDown(object, 1);
+            script.Reset();
+            control.Reset();
+            outlived = IsWindow(object) != 0;
+        });
+        BSTR came = nullptr;
+        row.wait(*borrowed, &came);
+        SysFreeString(came);
+        EXPECT_TRUE(outlived) << "held by its own wait";
+        EXPECT_FALSE(IsWindow(object));
+    }
 }
 
 TEST_F(ScriptExtensionTest, WithoutACommObjectNothingComes) {

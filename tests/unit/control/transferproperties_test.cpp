@@ -126,6 +126,13 @@ TEST_F(TransferRows, PathIsKeptAndNotLogged) {
     EXPECT_EQ(control.Text(&ITarnComm::get_XferPath), "");
 }
 
+TEST_F(TransferRows, DestinationIsTheHostsToName) {
+    EXPECT_EQ(LogOf([&] { control.Put(&ITarnComm::put_XferDestFilename, L"C:\\in\\file.bin"); }),
+              Line("Comm.XferDestFilename = \"C:\\in\\file.bin\""));
+    EXPECT_EQ(LogOf([&] { EXPECT_EQ(control.Text(&ITarnComm::get_XferDestFilename), "C:\\in\\file.bin"); }),
+              Line("Comm.XferDestFilename returns \"C:\\in\\file.bin\""));
+}
+
 TEST_F(TransferRows, UploadOfNoFileIsAnError) {
     control->put_AbortTransfer(VARIANT_TRUE);
     const std::string log = LogOf([&] {

@@ -46,4 +46,36 @@ TEST_F(ControlInput, MoreThanAMegabyteIsNotGivenAtOnce) {
     EXPECT_EQ(Waiting(), 1);
 }
 
+TEST_F(ControlInput, OnlyAZeroEmptiesAQueue) {
+    device.Forget();
+    EXPECT_EQ(control->put_InBufferCount(5), S_OK);
+    EXPECT_EQ(control->put_OutBufferCount(5), S_OK);
+    EXPECT_EQ(control->put_OutBufferCount(-1), S_OK);
+    EXPECT_THAT(device.CallsOf({"PurgeComm"}), testing::IsEmpty());
+    EXPECT_EQ(control->put_OutBufferCount(0), S_OK);
+    EXPECT_THAT(device.CallsOf({"PurgeComm"}), testing::ElementsAre("PurgeComm 4"));
+    EXPECT_EQ(control->put_InBufferCount(0), S_OK);
+    EXPECT_THAT(device.CallsOf({"PurgeComm"}), testing::ElementsAre("PurgeComm 4", "PurgeComm 8"));
+}
+
+// Reads whether the device reports breaks, not whether one is being sent; kept so.
+TEST_F(ControlInput, BreakIsSentAndSomethingElseIsRead) {
+    const auto read = [this] {
+        VARIANT_BOOL value = 1;
+        EXPECT_EQ(control->get_Break(&value), S_OK);
+        return value;
+    };
+    device.Forget();
+    EXPECT_EQ(control->put_Break(VARIANT_TRUE), S_OK);
+    const VARIANT_BOOL whileSending = read();
+    EXPECT_EQ(control->put_Break(VARIANT_FALSE), S_OK);
+    EXPECT_EQ(read(), whileSending);
+    EXPECT_THAT(device.CallsOf({"SetCommBreak", "ClearCommBreak"}),
+                testing::ElementsAre("SetCommBreak", "ClearCommBreak"));
+    SetCommMask(GetCommID(control->CommObject()), EV_RXCHAR | EV_BREAK);
+    EXPECT_EQ(read(), VARIANT_TRUE);
+    SetCommMask(GetCommID(control->CommObject()), EV_RXCHAR);
+    EXPECT_EQ(read(), VARIANT_FALSE);
+}
+
 } // namespace

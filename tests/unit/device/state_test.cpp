@@ -1,6 +1,10 @@
 // The state block as the device receives it.
 #include "support/device/devicetest.h"
 
+#include "core/stateblock.h"
+#include "diagnostics/wiretap.h"
+#include "unit/diagnostics/logfiles.h"
+
 namespace {
 
 using testing::IsEmpty;
@@ -165,6 +169,24 @@ TEST_F(State, HandshakingChangedInATransferLeavesXOnAndXOffData) {
             EXPECT_EQ(given.fOutX, transfer ? 0u : 1u) << handshaking << " in " << transfer;
         }
     }
+}
+
+// The lines of the device's state need no switch.
+TEST_F(State, BlockIsLoggedBeforeAndAfterWhateverTheSwitches) {
+    OpenWithTimer();
+    ASSERT_EQ(Record().bWireTapInput + Record().bWireTapOutput + Record().bWireTapTransfer, 0);
+    const DCB before = EveryBitSet();
+    device.SetState(before);
+    device.Forget();
+    ResetWireTap();
+    DeleteFileA(logfiles::WireTapPath().c_str());
+    SetHandshaking(object, TARN_HANDSHAKING_HARDWARE);
+    const std::string log = logfiles::Messages();
+    ResetWireTap();
+    DeleteFileA(logfiles::WireTapPath().c_str());
+    ASSERT_EQ(device.StatesGiven().size(), 1u);
+    EXPECT_EQ(log, "<time> " + StateBlockText(before) + "\r\n<time> " +
+                       StateBlockText(device.StatesGiven()[0]) + "\r\n");
 }
 
 TEST_F(State, SettersLeaveAClosedDeviceAlone) {

@@ -246,6 +246,76 @@ TEST_F(ExceptionReport, WithoutAFileIsLostInSilence) {
     EXPECT_EQ(Messages(), "");
 }
 
+TEST_F(ExceptionReport, LongPieceIsCut) {
+    MadeUpFault fault;
+    const std::string report = ReportOf(0, fault, std::string(3000, 'x').c_str());
+    const std::string lead = "Caught by exception handler in ";
+    const size_t start = report.find(lead);
+    ASSERT_NE(start, std::string::npos);
+    EXPECT_EQ(report.substr(start), lead + std::string(1023 - lead.size(), 'x'));
+}
+
+// Runs one of these tests in a copy of this program under another name.
+class RenamedHost {
+  public:
+    explicit RenamedHost(const std::string& name) {
+        GetTempPathA(MAX_PATH, folder_);
+        path_ = folder_ + name;
+        EXPECT_TRUE(CopyFileA(HostPath().c_str(), path_.c_str(), FALSE)) << path_;
+    }
+    ~RenamedHost() { DeleteFileA(path_.c_str()); }
+    RenamedHost(const RenamedHost&) = delete;
+    RenamedHost& operator=(const RenamedHost&) = delete;
+
+    std::string Sibling(const char* name) const { return folder_ + std::string(name); }
+    bool Passes(const char* test) const {
+        std::string command = "host --gtest_brief=1 --gtest_filter=" + std::string(test);
+        STARTUPINFOA start = {};
+        start.cb = sizeof start;
+        start.dwFlags = STARTF_USESTDHANDLES; // none: a failure that is wanted is not to be read
+        PROCESS_INFORMATION process = {};
+        if (!CreateProcessA(path_.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                            &start, &process)) {
+            ADD_FAILURE() << "no process of " << path_ << ": " << GetLastError();
+            return false;
+        }
+        constexpr DWORD limit = 60000;
+        EXPECT_EQ(WaitForSingleObject(process.hProcess, limit), WAIT_OBJECT_0);
+        DWORD result = 1;
+        GetExitCodeProcess(process.hProcess, &result);
+        TerminateProcess(process.hProcess, 1); // if it never ended
+        CloseHandle(process.hThread);
+        CloseHandle(process.hProcess);
+        return result == 0;
+    }
+
+  private:
+    char folder_[MAX_PATH] = {};
+    std::string path_;
+};
+
+struct NameRow {
+    const char* host;
+    const char* report;
+};
+
+// A folder in the report's place tells where the report is looked for.
+TEST_F(ExceptionReport, ReplacesTheLastThreeCharactersOfAnyName) {
+    const NameRow rows[] = {{"tarnhost.bin", "tarnhost.log"},
+                            {"tarnhost", "tarnhlog"},
+                            {"tarnhost.x", "tarnhoslog"},
+                            {"tarnhost.tool", "tarnhost.tlog"}};
+    for (const NameRow& row : rows) {
+        SCOPED_TRACE(row.host);
+        const RenamedHost host(row.host);
+        const std::string report = host.Sibling(row.report);
+        ASSERT_TRUE(CreateDirectoryA(report.c_str(), nullptr));
+        EXPECT_FALSE(host.Passes("ExceptionReport.OfAWriteSaysSo"));
+        ASSERT_TRUE(RemoveDirectoryA(report.c_str()));
+        EXPECT_TRUE(host.Passes("ExceptionReport.OfAWriteSaysSo"));
+    }
+}
+
 TEST(SeTranslatorThrow, CarriesCodeAndState) {
     MadeUpFault fault;
     fault.record.ExceptionCode = 0xC0000095;
