@@ -203,6 +203,22 @@ TEST_F(TransferOfControl, AbortEndsIt) {
     EXPECT_EQ(succeeded, VARIANT_FALSE);
 }
 
+// Its comm object goes, too.
+TEST_F(TransferOfControl, ControlMayBeReleasedWhileTheEndIsAwaited) {
+    ASSERT_EQ(control.Put(&ITarnComm::put_Upload, file.Path().c_str()), S_OK); // nobody receives
+    CTarnCommCtl* const bare = control.Pointer().Get();
+    const HWND object = control.Object();
+    const auto inside = host::After(100, [&] {
+        control.Container().Drop();
+        control.Pointer().Reset();
+        DestroyWindow(object);
+    });
+    VARIANT_BOOL succeeded = VARIANT_TRUE;
+    EXPECT_EQ(bare->WaitUntilEndOfTransfer(&succeeded), S_OK);
+    EXPECT_EQ(succeeded, VARIANT_FALSE);
+    EXPECT_FALSE(control.Pointer());
+}
+
 TEST_F(TransferOfControl, FalseAbortsNothing) {
     ASSERT_EQ(control.Put(&ITarnComm::put_Upload, file.Path().c_str()), S_OK);
     control->put_AbortTransfer(VARIANT_FALSE);

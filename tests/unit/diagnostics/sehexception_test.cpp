@@ -309,6 +309,8 @@ TEST_F(ExceptionReport, ReplacesTheLastThreeCharactersOfAnyName) {
         SCOPED_TRACE(row.host);
         const RenamedHost host(row.host);
         const std::string report = host.Sibling(row.report);
+        DeleteFileA(report.c_str()); // a run that failed may have left either
+        RemoveDirectoryA(report.c_str());
         ASSERT_TRUE(CreateDirectoryA(report.c_str(), nullptr));
         EXPECT_FALSE(host.Passes("ExceptionReport.OfAWriteSaysSo"));
         ASSERT_TRUE(RemoveDirectoryA(report.c_str()));
