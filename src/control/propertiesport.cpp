@@ -102,7 +102,8 @@ STDMETHODIMP CTarnCommCtl::get_Settings(BSTR* value) {
 STDMETHODIMP CTarnCommCtl::put_Settings(BSTR value) {
     return Body([&]() -> HRESULT {
         m_Properties.m_sSettings = value ? value : L"";
-        SetSettings(CommObject(), AnsiOf(value).c_str());
+        if (!m_Properties.m_sSettings.empty()) // an empty text leaves the comm object what it has
+            SetSettings(CommObject(), AnsiOf(value).c_str());
         Log().AssignedText("Settings", value);
         UpdateStatus();
         FireOnChanged(settingsId);

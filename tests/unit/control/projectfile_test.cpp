@@ -252,20 +252,20 @@ struct ReadRow {
     const char* phoneNumber;
 };
 
-// As SetSettings takes a text that is empty: each field is the driver's.
-constexpr char emptySettings[] = ",,,";
+// Those of the comm object from before.
+constexpr char keptSettings[] = "9600,n,8,1";
 
 constexpr ReadRow readRows[] = {
     {"no protocol", "[Comm]\r\nSettings=300,e,7,1\r\nPort=COM9\r\nPhoneNumber=3\r\n", "300,e,7,1", "COM9", 5,
      "3"},
-    {"no settings", "[Comm]\r\nPort=COM9\r\nProtocol=1\r\nPhoneNumber=3\r\n", emptySettings, "COM9", 1, "3"},
+    {"no settings", "[Comm]\r\nPort=COM9\r\nProtocol=1\r\nPhoneNumber=3\r\n", keptSettings, "COM9", 1, "3"},
     {"no number", "[Comm]\r\nSettings=300,e,7,1\r\nPort=COM9\r\nProtocol=0\r\n", "300,e,7,1", "COM9", 0, ""},
-    {"another section", "[Line]\r\nPort=COM9\r\nProtocol=1\r\nPhoneNumber=3\r\n", emptySettings, "", 5, ""},
-    {"empty", "", emptySettings, "", 5, ""},
-    {"no project", "GIF89a\1\2\3 and so on", emptySettings, "", 5, ""},
-    {"any case", "[COMM]\r\nport=com9\r\nPROTOCOL=6\r\n", emptySettings, "com9", 6, ""},
-    {"no numeral", "[Comm]\r\nPort=COM9\r\nProtocol=ZModem\r\n", emptySettings, "COM9", 0, ""},
-    {"a name with signs", "[Comm]\r\nPort=%s%n\r\nPhoneNumber=%s%n\r\n", emptySettings, "%s%n", 5, "%s%n"},
+    {"another section", "[Line]\r\nPort=COM9\r\nProtocol=1\r\nPhoneNumber=3\r\n", keptSettings, "", 5, ""},
+    {"empty", "", keptSettings, "", 5, ""},
+    {"no project", "GIF89a\1\2\3 and so on", keptSettings, "", 5, ""},
+    {"any case", "[COMM]\r\nport=com9\r\nPROTOCOL=6\r\n", keptSettings, "com9", 6, ""},
+    {"no numeral", "[Comm]\r\nPort=COM9\r\nProtocol=ZModem\r\n", keptSettings, "COM9", 0, ""},
+    {"a name with signs", "[Comm]\r\nPort=%s%n\r\nPhoneNumber=%s%n\r\n", keptSettings, "%s%n", 5, "%s%n"},
 };
 
 TEST_F(ProjectFile, WhatIsMissingHasItsDefault) {
