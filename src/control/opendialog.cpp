@@ -1,5 +1,6 @@
 #include "opendialog.h"
 
+#include "com/raised.h"
 #include "core/mydialog.h"
 
 #include <memory>
@@ -49,10 +50,9 @@ class DialogNote {
 bool OpenDialog::ShowAlone(const std::function<bool()>& show) {
     if (bShown)
         return false;
-    bShown = true;
+    const Raised shown(bShown);
     bClosed = false;
     const bool confirmed = show();
-    bShown = false;
     return confirmed && !bClosed;
 }
 

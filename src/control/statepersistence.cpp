@@ -1,4 +1,5 @@
 // What the control does around a load and a save.
+#include "com/raised.h"
 #include "com/wall.h"
 #include "diagnostics/debugtext.h"
 #include "logsilence.h"
@@ -37,17 +38,6 @@ void Invert(int& flag) {
     flag = flag ? 0 : trueFlag;
 }
 
-class Mark {
-  public:
-    explicit Mark(bool& mark) : mark_(mark) { mark_ = true; }
-    ~Mark() { mark_ = false; }
-    Mark(const Mark&) = delete;
-    Mark& operator=(const Mark&) = delete;
-
-  private:
-    bool& mark_;
-};
-
 } // namespace
 
 std::vector<CLSID> CTarnCommCtl::Pages() const {
@@ -63,7 +53,7 @@ std::vector<CLSID> CTarnCommCtl::Pages() const {
 // read; kept so, see the tests.
 HRESULT CTarnCommCtl::AroundStreamLoad(const std::function<HRESULT()>& read) {
     DebugText("Load event\n");
-    const Mark loading(m_bLoading);
+    const Raised loading(m_bLoading);
     HRESULT result = S_OK;
     {
         const LogSilence silence(m_nNoLog);
@@ -80,7 +70,7 @@ HRESULT CTarnCommCtl::AroundStreamLoad(const std::function<HRESULT()>& read) {
 
 // The setters have done the work.
 HRESULT CTarnCommCtl::AroundBagLoad(const std::function<HRESULT()>& read) {
-    const Mark loading(m_bLoading);
+    const Raised loading(m_bLoading);
     const LogSilence silence(m_nNoLog);
     return AsResult(read);
 }

@@ -16,7 +16,7 @@ constexpr DWORD callParametersSize = 176; // the structure of version 2.0; newer
 constexpr DWORD dialToneWait = 4000;      // ms
 constexpr DWORD noCountry = 0;
 constexpr DWORD pumpPause = 50;       // ms
-constexpr DWORD reasonWait = 500;     // ms
+constexpr DWORD reasonWait = 1500;    // ms
 constexpr DWORD handleBlockSize = 84; // to begin with
 constexpr char dataHandleClass[] = "comm/datamodem";
 

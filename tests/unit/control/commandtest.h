@@ -27,7 +27,7 @@ class CommandTest : public BarsTest {
 
     void LogAnew() {
         StartLogAnew();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
         LogEvents();
         control->Properties().m_bWireTapProperties = trueFlag;
     }

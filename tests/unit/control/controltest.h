@@ -103,7 +103,7 @@ class ControlTest : public LineTest {
 
     static void StartLogAnew() {
         ResetWireTap();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
     }
 
     // How often a line of this text stands in the log.

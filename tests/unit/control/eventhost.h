@@ -133,18 +133,18 @@ class EventControlTest : public LineTest {
   public:
     EventControlTest() {
         StartLogAnew();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
         EXPECT_EQ(NewObject(control), S_OK);
         EXPECT_EQ(container.Hold(static_cast<ITarnComm*>(control.Get())), S_OK);
         ear.Connect(*control.Get());
         StartLogAnew(); // telephony has told of its start
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
     }
     ~EventControlTest() override {
         ear.onEvent = nullptr;
         container.onCall = nullptr;
         StartLogAnew();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
     }
 
     HWND Object() const { return control->CommObject(); }

@@ -115,7 +115,7 @@ class EventHosts : public testing::TestWithParam<DeedRow> {
   public:
     void SetUp() override {
         host::StartLogAnew();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
     }
     void TearDown() override { SetUp(); }
 
@@ -188,7 +188,7 @@ TEST(EventHost, WhoClosesInOnCommHearsNoMoreOfIt) {
 TEST(EventHost, TheLogOutlivesAnObjectThatWentInItsEvent) {
     const host::Apartment apartment;
     host::StartLogAnew();
-    DeleteFileA(logfiles::WireTapPath().c_str());
+    logfiles::RemoveLog();
     Hosted closing(true);
     Hosted other(true);
     closing.ear.onEvent = [&](DISPID id, DISPPARAMS&) {
@@ -201,7 +201,7 @@ TEST(EventHost, TheLogOutlivesAnObjectThatWentInItsEvent) {
     NotifyObject(other.control->CommObject(), 4);
     EXPECT_NE(logfiles::Messages().find("TarnComm_DSRChanged() Event"), std::string::npos);
     host::StartLogAnew();
-    DeleteFileA(logfiles::WireTapPath().c_str());
+    logfiles::RemoveLog();
 }
 
 // The same on a line with data: the handler runs inside the object's own step, which has to end well.

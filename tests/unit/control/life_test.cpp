@@ -121,7 +121,7 @@ TEST_F(ControlLife, TheFirstWindowLogsItsBorder) {
         control->Properties().m_bWireTap = trueFlag;
         control->Properties().m_bWireTapProperties = trueFlag;
         host::StartLogAnew();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
         ASSERT_EQ(container.Do(OLEIVERB_INPLACEACTIVATE), S_OK);
         EXPECT_EQ(Log(), Lines{"TarnComm.BorderStyle = " + std::to_string(border)});
         EXPECT_EQ((GetWindowLongA(Object(), GWL_STYLE) & WS_BORDER) != 0, border == 1);

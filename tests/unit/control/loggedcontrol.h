@@ -112,11 +112,11 @@ class Control {
 // Starts the log anew and gives what the action writes to it.
 inline std::string LogOf(const std::function<void()>& action) {
     ResetWireTap();
-    DeleteFileA(logfiles::WireTapPath().c_str());
+    logfiles::RemoveLog();
     action();
     const std::string messages = logfiles::Messages();
     ResetWireTap();
-    DeleteFileA(logfiles::WireTapPath().c_str());
+    logfiles::RemoveLog();
     return messages;
 }
 

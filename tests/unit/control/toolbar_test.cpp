@@ -461,7 +461,7 @@ TEST_F(CommandStates, WithoutAWindowThereAreNone) {
 TEST_F(CommandStates, AreNotLogged) {
     Show();
     host::StartLogAnew();
-    DeleteFileA(logfiles::WireTapPath().c_str());
+    logfiles::RemoveLog();
     control->Properties().m_bWireTap = trueFlag;
     control->Properties().m_bWireTapProperties = trueFlag;
     Put(CommCommand_New, CommandState_Disabled);

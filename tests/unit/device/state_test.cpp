@@ -179,11 +179,11 @@ TEST_F(State, BlockIsLoggedBeforeAndAfterWhateverTheSwitches) {
     device.SetState(before);
     device.Forget();
     ResetWireTap();
-    DeleteFileA(logfiles::WireTapPath().c_str());
+    logfiles::RemoveLog();
     SetHandshaking(object, TARN_HANDSHAKING_HARDWARE);
     const std::string log = logfiles::Messages();
     ResetWireTap();
-    DeleteFileA(logfiles::WireTapPath().c_str());
+    logfiles::RemoveLog();
     ASSERT_EQ(device.StatesGiven().size(), 1u);
     EXPECT_EQ(log, "<time> " + StateBlockText(before) + "\r\n<time> " +
                        StateBlockText(device.StatesGiven()[0]) + "\r\n");

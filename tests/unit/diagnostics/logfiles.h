@@ -42,6 +42,14 @@ inline bool FileExists(const std::string& path) {
     return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
+// A thread of the module that is still writing its line keeps the file for a moment.
+inline void RemoveLog() {
+    for (const DWORD start = GetTickCount(); GetTickCount() - start < 5000; Sleep(1))
+        if (DeleteFileA(WireTapPath().c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND)
+            return;
+    ADD_FAILURE() << "the log can't be removed";
+}
+
 // Every time stamp becomes "<time> ".
 inline std::string Untimed(const std::string& text) {
     static const std::regex stamp(R"(\d\d:\d\d:\d\d\.\d\d\d )");

@@ -13,7 +13,7 @@ class LogTest : public testing::Test {
 
     static void StartAnew() {
         ResetWireTap();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
     }
 };
 

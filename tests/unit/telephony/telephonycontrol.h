@@ -194,7 +194,7 @@ class TelephonyTest : public host::LineTest {
 
     static void StartLogAnew() {
         ResetWireTap();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
     }
 
     PhoneHost& Start() {

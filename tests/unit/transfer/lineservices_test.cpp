@@ -21,7 +21,7 @@ class TransferServices : public LineTest {
     void SetUp() override {
         LineTest::SetUp();
         ResetWireTap();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
         ASSERT_EQ(object.Open(nearPort), "");
         SetWireTapTransfer(object, 1);
         record = RecordOf(object);
@@ -38,7 +38,7 @@ class TransferServices : public LineTest {
         line.reset();
         record->nTransferType = XferNone;
         ResetWireTap();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
     }
 
     bool WriteBlocks(int count) {

@@ -20,12 +20,12 @@ class TransferEndings : public TransferTest {
   protected:
     void SetUp() override {
         ResetWireTap();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
         TransferTest::SetUp();
     }
     void TearDown() override {
         ResetWireTap();
-        DeleteFileA(logfiles::WireTapPath().c_str());
+        logfiles::RemoveLog();
     }
 
     bool Logged(const std::string& text) const {
