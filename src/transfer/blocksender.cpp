@@ -2,12 +2,16 @@
 
 #include "crc.h"
 
+#include "diagnostics/debugtext.h"
+
 #include <algorithm>
+#include <cstdio>
 
 namespace {
 
 constexpr int mostAttempts = 6; // at one block
 constexpr int mostEots = 5;     // an acknowledgement of the last one comes too late; kept so, see the tests
+constexpr int blocksInAKilobyte = block::LongBlock / block::ShortBlock;
 constexpr int64_t worthALongBlock = 896; // bytes: with no more than these left, short blocks waste less
 
 bool IsStart(int c) {
@@ -79,7 +83,16 @@ int BlockSender::ReadBlock(int cbBlock) {
     return cbRead;
 }
 
+void BlockSender::TellPlace() const {
+    if (Verbose <= 1)
+        return;
+    char text[48];
+    std::snprintf(text, sizeof text, "Sector %3d %2dk\n", Totsecs, Totsecs / blocksInAKilobyte);
+    DebugText(text);
+}
+
 int BlockSender::SendBlock(const void* lpBytes, int number, int cbBytes) {
+    TellPlace();
     int lastReply = 0;
     for (int attempt = 0; attempt < mostAttempts && !line_.Aborted(); ++attempt) {
         PutBlock(static_cast<const unsigned char*>(lpBytes), number, cbBytes);
@@ -90,6 +103,8 @@ int BlockSender::SendBlock(const void* lpBytes, int number, int cbBytes) {
         }
         if (answer == Answer::Acknowledged) {
             firstsec = false;
+            if (!Optiong)
+                Totsecs += cbBytes / block::ShortBlock;
             return 0;
         }
     }

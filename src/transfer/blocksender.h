@@ -23,6 +23,8 @@ class BlockSender {
     bool Optiong = false; // no wait for acknowledgements
     int blklen = block::LongBlock;
     int Rxtimeout = 600; // tenths of a second
+    int Verbose = 1;     // above 1: each block's place goes to a debugger
+    int Totsecs = 0;     // short blocks' worth that was acknowledged of this file
 
   private:
     enum class Answer { Acknowledged, Again, Cancelled };
@@ -30,6 +32,7 @@ class BlockSender {
     bool AwaitStart(); // false: the receiver cancelled
     int SendFileBlocks(LONG flen);
     int SendEot();
+    void TellPlace() const;
     int ReadBlock(int cbBlock); // the file's next bytes into Txbuf, padded; 0 at the end
     void PutBlock(const unsigned char* lpBytes, int number, int cbBytes);
     Answer ReadAnswer(int& lastReply);

@@ -199,6 +199,7 @@ int CModemProtocol::SendAll() {
     blockSender_.firstsec = true;
     if (!SendQueuedFiles())
         return -1;
+    blockSender_.Totsecs = 0;
     if (!Sentcount)
         return SendNothing();
     line_.ShowStatus("Terminating transfer...");
@@ -213,6 +214,7 @@ bool CModemProtocol::SendQueuedFiles() {
         xfPrepareSend(line_.Transfer(), source, dest);
         if (source.empty())
             return true;
+        blockSender_.Totsecs = 0;
         if (!SendQueuedFile(source, dest))
             return false;
     }

@@ -1,6 +1,7 @@
 #include "receivedfile.h"
 
 #include "core/ascii.h"
+#include "core/handle.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -38,6 +39,18 @@ class NumberText {
 
     std::string text_;
     const char* next_;
+};
+
+// The caller's error number of the C library comes back at the end.
+class ErrnoKeeper {
+  public:
+    ErrnoKeeper() = default;
+    ~ErrnoKeeper() { errno = error_; }
+    ErrnoKeeper(const ErrnoKeeper&) = delete;
+    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+
+  private:
+    int error_ = errno;
 };
 
 bool LeadsAway(const std::string& name) {
@@ -176,6 +189,8 @@ int ReceivedFile::OpenAs(FileMode mode, const std::string& name) {
 
 // The folders of the sender's name, from the current one; the host's folder is not looked at.
 int ReceivedFile::MakeDirectories(const std::string& name) {
+    const LastErrorKeeper systems;
+    const ErrnoKeeper librarys;
     int made = 0;
     size_t start = 0;
     for (size_t end; (end = name.find('/', start)) != std::string::npos; start = end + 1) {

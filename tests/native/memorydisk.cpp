@@ -30,6 +30,16 @@ int OpenError(const std::string& name, bool creates) {
     return present->readOnly ? EACCES : 0;
 }
 
+int FolderError(const std::string& name) {
+    if (present->folders.contains(name))
+        return EEXIST;
+    if (present->readOnly || present->files.contains(name))
+        return EACCES;
+    if (!FolderOf(name).empty() && !present->folders.contains(FolderOf(name)))
+        return ENOENT;
+    return 0;
+}
+
 // At the position, which moves; never more than there is.
 size_t ReadAt(const std::string& contents, size_t& position, void* lpBytes, size_t cbBytes) {
     const size_t count = std::min(cbBytes, contents.size() - std::min(contents.size(), position));
@@ -150,12 +160,10 @@ void SetFileTimes(const std::string& name, int64_t, int64_t modified) {
 }
 
 int MakeFolder(const std::string& name) {
-    if (present->folders.contains(name))
-        return EEXIST;
-    if (present->readOnly || present->files.contains(name))
-        return EACCES;
-    if (!FolderOf(name).empty() && !present->folders.contains(FolderOf(name)))
-        return ENOENT;
+    if (const int error = FolderError(name)) {
+        SetLastError(ERROR_CANNOT_MAKE);
+        return errno = error;
+    }
     present->journal.push_back("folder " + name);
     present->folders.insert(name);
     return 0;

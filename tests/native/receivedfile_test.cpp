@@ -5,6 +5,7 @@
 #include "transferdouble.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 
@@ -346,6 +347,19 @@ TEST_P(ReceivedFileFolders, AreMadeFromTheSendersName) {
     for (const std::string& folder : row.made)
         EXPECT_TRUE(receiving.Logged("Made directory " + folder + "\n"));
     EXPECT_EQ(receiving.file.IsOpen(), row.result == FileProceeds);
+}
+
+TEST_P(ReceivedFileFolders, CallersErrorNumbersStay) {
+    const FolderCase& row = GetParam();
+    Receiving receiving;
+    receiving.disk.folders.insert(row.present);
+    if (!row.blocked.empty())
+        receiving.disk.files[row.blocked];
+    errno = EDOM;
+    SetLastError(ERROR_BAD_PIPE);
+    EXPECT_EQ(receiving.Header(row.offered), row.result);
+    EXPECT_EQ(errno, EDOM);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BAD_PIPE));
 }
 
 const FolderCase folderCases[] = {

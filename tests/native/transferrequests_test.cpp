@@ -1,5 +1,6 @@
 // The worker's requests: what each does to the record, and what the host hears of it.
 #include "caseprint.h"
+#include "support/memorylimit.h"
 #include "transferdouble.h"
 
 #include "transfer/queue.h"
@@ -111,6 +112,31 @@ TEST(TransferRequest, LongStatusTextIsCut) {
     const std::string text(600, 'x');
     Ask(transfer, Request_StatusText, reinterpret_cast<LPARAM>(text.c_str()));
     EXPECT_EQ(transfer.object.Record().szTransferStatus, std::string(512, 'x'));
+}
+
+// Whichever of its steps finds no memory: the queue stays as it was.
+TEST(TransferQueue, TakesNothingWithoutMemory) {
+    const std::string waiting(90, 'w');
+    const std::string late(60, 'l');
+    TransferDouble transfer(XferUpload);
+    transfer.Queue(waiting);
+    const COMCTL& record = transfer.object.Record();
+    bool taken = false;
+    int refused = 0;
+    for (size_t most = 0; !taken; most += 10) {
+        ASSERT_LT(most, 10 * (waiting.size() + late.size())) << "no limit is enough";
+        const host::MemoryLimit limit(most);
+        taken = QueueFile(transfer.object.Record(), late.c_str());
+        if (taken)
+            break;
+        ++refused;
+        EXPECT_GT(limit.Refusals(), 0);
+        EXPECT_EQ(record.cFiles, 1);
+        EXPECT_EQ(record.lpFileList.size(), waiting.size() + 1);
+    }
+    EXPECT_GT(refused, 6) << "the name's own copy, and the longer list";
+    EXPECT_EQ(record.cFiles, 2);
+    EXPECT_EQ(transfer.journal, Journal());
 }
 
 TEST(TransferRequest, EndOfTheTransferClearsTypeNamesAndQueueBeforeItIsDelivered) {

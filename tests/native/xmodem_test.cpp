@@ -1,6 +1,8 @@
 // XModem, both ways, against a scripted far end: every answer, every limit, every text.
 #include "caseprint.h"
 #include "modemfarend.h"
+#include "terminaldouble.h"
+#include "transfer/blocksender.h"
 
 namespace {
 
@@ -603,6 +605,46 @@ TEST(XModemSendEvents, NothingQueuedCancels) {
         EXPECT_EQ(transfer.Elapsed(), 200u);
     }
 }
+
+// The place is that before the block, in short blocks and in kilobytes; what is streamed does not count.
+struct PlaceCase {
+    const char* name;
+    int Verbose;
+    bool Optiong;
+    std::vector<std::string> texts;
+};
+
+class BlockPlace : public testing::TestWithParam<PlaceCase> {};
+
+TEST_P(BlockPlace, IsToldToADebugger) {
+    const PlaceCase& row = GetParam();
+    TerminalDouble debugger;
+    MemoryDisk disk;
+    disk.files["a.bin"].contents = Bytes(2048 + 130);
+    TransferDouble transfer(XferUpload, Protocol_XModem1K);
+    ModemLine line(transfer.transfer);
+    FileStream file;
+    ASSERT_EQ(file.Open("a.bin", FileMode::Read), 0);
+    BlockSender sender(line, file);
+    sender.Verbose = row.Verbose;
+    sender.Optiong = row.Optiong;
+    transfer.line.onWrite = [&](const std::string&) { transfer.line.Say(ACK); };
+    transfer.line.Say("C");
+    ASSERT_EQ(sender.wctx(2048 + 130), 0);
+    EXPECT_EQ(debugger.debugTexts, row.texts);
+}
+
+const std::string start = "Sector   0  0k\n";
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, BlockPlace,
+    testing::Values(
+        PlaceCase{"Verbose", 2, false, {start, "Sector   8  1k\n", "Sector  16  2k\n", "Sector  17  2k\n"}},
+        PlaceCase{
+            "MoreVerbose", 3, false, {start, "Sector   8  1k\n", "Sector  16  2k\n", "Sector  17  2k\n"}},
+        PlaceCase{"Streaming", 2, true, {start, start, start, start}}, PlaceCase{"AsASendIs", 1, false, {}},
+        PlaceCase{"Silent", 0, false, {}}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(XModemSendAbort, EndsAtOnceInEveryPhase) {
     for (DWORD at = 0; at < 250000; at += 3700) {

@@ -67,12 +67,14 @@ class Frame : public Counted<Frame, IOleInPlaceFrame> {
     const HWND& window_;
 };
 
-class Site : public Counted<Site, IOleClientSite, IOleInPlaceSiteEx, IOleControlSite, IDispatch> {
+// Also offers to do without a window, as the newer containers do.
+class Site : public Counted<Site, IOleClientSite, IOleInPlaceSiteWindowless, IOleControlSite, IDispatch> {
   public:
-    using Faces =
-        FaceTable<FaceRow<IOleClientSite>, FaceRow<IOleInPlaceSiteEx>,
-                  FaceRow<IOleInPlaceSite, IOleInPlaceSiteEx>, FaceRow<IOleWindow, IOleInPlaceSiteEx>,
-                  FaceRow<IOleControlSite>, FaceRow<IDispatch>>;
+    using Faces = FaceTable<FaceRow<IOleClientSite>, FaceRow<IOleInPlaceSiteWindowless>,
+                            FaceRow<IOleInPlaceSiteEx, IOleInPlaceSiteWindowless>,
+                            FaceRow<IOleInPlaceSite, IOleInPlaceSiteWindowless>,
+                            FaceRow<IOleWindow, IOleInPlaceSiteWindowless>, FaceRow<IOleControlSite>,
+                            FaceRow<IDispatch>>;
 
     Site(CallRecord& record, const HWND& window, Frame& frame)
         : record_(record), window_(window), frame_(frame) {}
@@ -118,13 +120,32 @@ class Site : public Counted<Site, IOleClientSite, IOleInPlaceSiteEx, IOleControl
     HRESULT STDMETHODCALLTYPE DiscardUndoState() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE DeactivateAndUndo() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE OnPosRectChange(LPCRECT) override { return record_.Note("OnPosRectChange"); }
-    HRESULT STDMETHODCALLTYPE OnInPlaceActivateEx(BOOL*, DWORD) override {
-        return record_.Note("OnInPlaceActivate");
+    HRESULT STDMETHODCALLTYPE OnInPlaceActivateEx(BOOL*, DWORD flags) override {
+        return record_.Note(flags & ACTIVATE_WINDOWLESS ? "OnInPlaceActivate windowless"
+                                                        : "OnInPlaceActivate");
     }
     HRESULT STDMETHODCALLTYPE OnInPlaceDeactivateEx(BOOL) override {
         return record_.Note("OnInPlaceDeactivate");
     }
     HRESULT STDMETHODCALLTYPE RequestUIActivate() override { return S_OK; }
+
+    // IOleInPlaceSiteWindowless: an offer; what serves a control without a window is not there.
+    HRESULT STDMETHODCALLTYPE CanWindowlessActivate() override {
+        return record_.Note("CanWindowlessActivate");
+    }
+    HRESULT STDMETHODCALLTYPE GetCapture() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetCapture(BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetFocus() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetFocus(BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetDC(LPCRECT, DWORD, HDC*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE ReleaseDC(HDC) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE InvalidateRect(LPCRECT, BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE InvalidateRgn(HRGN, BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE ScrollRect(INT, INT, LPCRECT, LPCRECT) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE AdjustRect(LPRECT) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE OnDefWindowMessage(UINT, WPARAM, LPARAM, LRESULT*) override {
+        return E_NOTIMPL;
+    }
 
     // IOleControlSite
     HRESULT STDMETHODCALLTYPE OnControlInfoChanged() override { return S_OK; }

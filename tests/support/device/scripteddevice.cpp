@@ -203,7 +203,12 @@ void ScriptedDevice::RaiseErrors(DWORD errors) {
 
 void ScriptedDevice::Lay(const std::string& bytes) {
     const DeviceLock guard(lock_);
-    input_ += bytes;
+    QueueInput(bytes);
+}
+
+void ScriptedDevice::HoldOnly(size_t bytes) {
+    const DeviceLock guard(lock_);
+    inputRoom_ = bytes;
 }
 
 void ScriptedDevice::Arrive(const std::string& bytes) {
@@ -313,6 +318,13 @@ void ScriptedDevice::FinishAll(PendingKind kind, DWORD error) {
 void ScriptedDevice::DeliverEvents() {
     if (raised_)
         FinishFirst(PendingKind::Wait, ERROR_SUCCESS);
+}
+
+void ScriptedDevice::QueueInput(const std::string& bytes) {
+    const size_t room = inputRoom_ - std::min(inputRoom_, input_.size());
+    input_ += bytes.substr(0, room);
+    if (bytes.size() > room)
+        errors_ |= CE_RXOVER;
 }
 
 DWORD ScriptedDevice::TakeInput(void* buffer, DWORD size) {

@@ -74,6 +74,7 @@ class ScriptedDevice {
     // Input. Bytes wait in the input queue until read; Arrive also raises EV_RXCHAR, Lay doesn't.
     void Arrive(const std::string& bytes);
     void Lay(const std::string& bytes);
+    void HoldOnly(size_t bytes); // the room of the input queue: what comes too much is lost, by CE_RXOVER
     void OnRead(Answer answer, DWORD error = ERROR_GEN_FAILURE);
     bool CompleteRead();
     bool FailPendingRead(DWORD error, DWORD arrived); // after so many bytes
@@ -147,6 +148,7 @@ class ScriptedDevice {
     bool FinishFirst(PendingKind kind, DWORD error, DWORD arrived = 0);
     void FinishAll(PendingKind kind, DWORD error);
     void DeliverEvents();
+    void QueueInput(const std::string& bytes);
     DWORD TakeInput(void* buffer, DWORD size);
 
     mutable SRWLOCK lock_ = SRWLOCK_INIT; // guards everything below
@@ -156,6 +158,7 @@ class ScriptedDevice {
     std::vector<std::string> attempts_;
     std::string written_;
     std::string input_;
+    size_t inputRoom_ = std::string::npos;
     std::vector<HANDLE> open_;
     std::deque<PendingCall> pending_;
 

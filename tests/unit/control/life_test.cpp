@@ -67,6 +67,24 @@ TEST_F(ControlLife, WhatWasOpenIsForgottenWithItsObject) {
     EXPECT_FALSE(control->IsConnected());
 }
 
+TEST_F(ControlLife, TakesAWindowThoughItsSiteOffersToDoWithout) {
+    Microsoft::WRL::ComPtr<IOleInPlaceSiteWindowless> offer;
+    ASSERT_EQ(container.site.QueryInterface(IID_PPV_ARGS(&offer)), S_OK);
+    container.calls.clear();
+    ASSERT_EQ(container.Do(OLEIVERB_INPLACEACTIVATE), S_OK);
+    EXPECT_TRUE(container.Saw("OnInPlaceActivate"));
+    EXPECT_FALSE(container.Saw("OnInPlaceActivate windowless"));
+    EXPECT_FALSE(container.Saw("CanWindowlessActivate"));
+    HWND window = nullptr;
+    ASSERT_EQ(container.As<IOleInPlaceObjectWindowless>()->GetWindow(&window), S_OK);
+    EXPECT_EQ(window, control->Window());
+    EXPECT_EQ(GetParent(window), container.window);
+    constexpr DWORD style = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
+    EXPECT_EQ(GetWindowLongA(window, GWL_STYLE) & style, style);
+    LRESULT result = 0;
+    EXPECT_NE(container.As<IOleInPlaceObjectWindowless>()->OnWindowMessage(WM_CHAR, 'a', 1, &result), S_OK);
+}
+
 TEST_F(ControlLife, AnObjectThatSomebodyClosedIsNotClosedAgain) {
     const HWND before = Object();
     DestroyWindow(before);

@@ -1,6 +1,7 @@
 #include "loggedcontrol.h"
 
 #include "diagnostics/windowhook.h"
+#include "support/memorylimit.h"
 
 #include <olectl.h>
 
@@ -170,6 +171,33 @@ TEST_F(TerminalText, BlankScreenIsItsLineEnds) {
         LogOf([&] { EXPECT_EQ(control.Text(&ITarnComm::get_Contents), ScreenOf("", 25)); });
     EXPECT_NE(log.find("Comm.Contents returns "), std::string::npos);
     EXPECT_EQ(control.Text(&ITarnComm::get_ScrollContents), "");
+}
+
+TEST_F(TerminalText, WithoutMemoryIsEmpty) {
+    struct Getter {
+        const char* name;
+        HRESULT (STDMETHODCALLTYPE ITarnComm::*get)(BSTR*);
+    };
+    const Getter getters[] = {{"Contents", &ITarnComm::get_Contents},
+                              {"ScrollContents", &ITarnComm::get_ScrollContents},
+                              {"SelText", &ITarnComm::get_SelText}};
+    control->put_ScrollRows(100);
+    for (int row = 0; row < 60; ++row)
+        control.Put(&ITarnComm::put_Display, L"a line\r\n");
+    SetSelectionStart(control.Object(), 0);
+    SetSelectionLength(control.Object(), 400);
+    for (const Getter& getter : getters) {
+        EXPECT_NE(control.Text(getter.get), "") << getter.name;
+        BSTR text = nullptr;
+        {
+            const host::MemoryLimit limit(200);
+            EXPECT_EQ(((*control.operator->()).*getter.get)(&text), S_OK) << getter.name;
+            EXPECT_EQ(limit.Refusals(), 1) << getter.name;
+        }
+        EXPECT_EQ(SysStringLen(text), 0u) << getter.name;
+        SysFreeString(text);
+        EXPECT_NE(control.Text(getter.get), "") << getter.name << ": once there is memory";
+    }
 }
 
 TEST_F(TerminalText, ContentsReplaceTheScreen) {

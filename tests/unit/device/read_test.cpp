@@ -217,4 +217,42 @@ TEST_F(Read, RefusesWhatItCannotDo) {
     EXPECT_EQ(GetInput(object, buffer, 3), 0);
 }
 
+// The monitor's tick waits for the host all the while.
+TEST(StallingHost, LosesWhatTheDriverHasNoRoomFor) {
+    constexpr size_t room = 4096;
+    const host::NoThreadIsTerminated noThreadIsTerminated;
+    host::ScriptedDevice device;
+    host::CommObject object;
+    std::string got;
+    object.OnEventDo([&](int code) {
+        char bytes[1000];
+        while (code == TARN_EVENT_RECEIVE && GetInBufferCount(object))
+            got.append(bytes, static_cast<size_t>(GetInput(object, bytes, sizeof bytes)));
+    });
+    SetRThreshold(object, 1);
+    device.HoldOnly(room);
+    ASSERT_EQ(object.Open(host::ScriptedDevice::Name, "9600,n,8,1"), "");
+    const auto monitorWaits = [&] { return device.PendingCount(PendingKind::Wait) == 1; };
+    ASSERT_TRUE(host::PumpUntil(monitorWaits));
+
+    std::string sent;
+    for (int piece = 0; piece < 10; ++piece) { // nothing is pumped meanwhile
+        sent += std::string(1000, static_cast<char>('0' + piece));
+        device.Arrive(sent.substr(sent.size() - 1000));
+    }
+    EXPECT_EQ(got, "");
+    EXPECT_TRUE(host::PumpUntil([&] { return got.size() >= room; }));
+    EXPECT_EQ(got, sent.substr(0, room));
+    EXPECT_EQ(object.Count(TARN_ERROR_RECEIVE_FULL), 1);
+
+    ASSERT_TRUE(host::PumpUntil(monitorWaits)) << "it goes on";
+    device.Arrive("after");
+    EXPECT_TRUE(host::PumpUntil([&] { return got.size() >= room + 5; }));
+    EXPECT_EQ(got.substr(room), "after");
+    EXPECT_EQ(object.Count(TARN_ERROR_RECEIVE_FULL), 1);
+    const host::Stopwatch watch;
+    object.Close();
+    EXPECT_LT(watch.Milliseconds(), 1000u);
+}
+
 } // namespace

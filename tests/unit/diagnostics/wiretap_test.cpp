@@ -1,5 +1,7 @@
 #include "logtest.h"
 
+#include "support/memorylimit.h"
+
 #include <thread>
 
 using namespace logfiles;
@@ -247,6 +249,19 @@ TEST_F(WireTapWide, EmptyStringIsDataWithoutBytes) {
 TEST_F(WireTapWide, NullIsNoData) {
     WireTapMsgW(nullptr, WireTapTrace, "t ", nullptr);
     EXPECT_EQ(Messages(), "<time> t \r\n");
+}
+
+TEST_F(WireTapWide, WithoutMemoryForItsBytesThereIsNoData) {
+    constexpr size_t length = 100000;
+    const std::wstring text(length, L'x');
+    {
+        const host::MemoryLimit limit(length / 2);
+        WireTapMsgW(nullptr, WireTapTrace, "t ", text.c_str());
+        EXPECT_EQ(limit.Refusals(), 1);
+    }
+    EXPECT_EQ(Messages(), "<time> t \r\n");
+    WireTapMsgW(nullptr, WireTapTrace, "t ", L"next");
+    EXPECT_EQ(Messages(), "<time> t \r\n<time> t \"next\"\r\n");
 }
 
 TEST_F(WireTapWide, CharacterOutsideTheCodePageStillLogs) {

@@ -1,5 +1,6 @@
 // The places to dial from, the countries, translated numbers and a line's configuration, from the exchange.
 #include "control/TarnCommCtl.h"
+#include "support/memorylimit.h"
 #include "support/nocalls.h"
 #include "telephony/exchange.h"
 
@@ -434,6 +435,61 @@ TEST_F(ControlsLocations, TypeOfANameThatIsALine) {
     EXPECT_EQ(type, PortType_Modem);
     EXPECT_EQ(control->GetPortType(_bstr_t(L"Beta"), &type), S_OK);
     EXPECT_EQ(type, PortType_Unknown);
+}
+
+// Room for the service's answers, and what each method then gives.
+class LocationsWithoutMemory : public LocationTest, public testing::WithParamInterface<Service> {
+  protected:
+    LocationsWithoutMemory() { ExchangeDemandMore(GetParam().more); }
+};
+
+INSTANTIATE_TEST_SUITE_P(Rows, LocationsWithoutMemory,
+                         testing::Values(Service{"ForTheFirstBlock", 0}, Service{"ForALongerOne", 100000}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_P(LocationsWithoutMemory, AllIsEmptyUntilThereIsSome) {
+    const DWORD device = ExchangeAddLine("Alpha", "", LINEMEDIAMODE_DATAMODEM, nullptr, nullptr);
+    ExchangeSetDeviceConfig(device, "abc", 3);
+    TwoLocations();
+    ThreeCountries();
+    Telephony telephony;
+    const ComboBox box;
+    const size_t most = GetParam().more / 2;
+    const auto without = [&](auto&& work) {
+        const host::MemoryLimit limit(most);
+        work();
+        return limit.Refusals() > 0;
+    };
+    std::vector<std::string> names = {"before"};
+    std::string text = "before";
+    DWORD country = 99;
+    int id = 0;
+    bool isSet = true;
+    EXPECT_TRUE(without([&] { names = telephony->Locations(); }));
+    EXPECT_THAT(names, IsEmpty());
+    EXPECT_TRUE(without([&] { text = telephony->GetCurrentLocationName(); }));
+    EXPECT_EQ(text, "");
+    text = "before";
+    EXPECT_TRUE(without([&] { telephony->GetCurrentLocationCountryIDAndAreaCode(country, text); }));
+    EXPECT_EQ(text + "/" + std::to_string(country), "/1");
+    EXPECT_TRUE(without([&] { id = telephony->GetLocationID("Home"); }));
+    EXPECT_EQ(id, -1);
+    EXPECT_TRUE(without([&] { isSet = telephony->SetCurrentLocation("Home"); }));
+    EXPECT_FALSE(isSet);
+    text = "before";
+    EXPECT_TRUE(without([&] { text = telephony->TranslatePhoneNumber(device, "555"); }));
+    EXPECT_EQ(text, "");
+    text = "before";
+    EXPECT_TRUE(without([&] { text = telephony->GetDeviceConfig(device); }));
+    EXPECT_EQ(text, "");
+    EXPECT_TRUE(without([&] { telephony->AddCountriesToCombo(box); }));
+    EXPECT_THAT(RowsOf(box), IsEmpty());
+    EXPECT_THAT(telephony->Locations(), ElementsAre("Home", "Office"));
+    EXPECT_EQ(telephony->GetCurrentLocationName(), "Office");
+    EXPECT_EQ(telephony->TranslatePhoneNumber(device, "555"), "555");
+    EXPECT_EQ(telephony->GetDeviceConfig(device), "GBGCGD");
+    telephony->AddCountriesToCombo(box);
+    EXPECT_EQ(RowsOf(box).size(), 3u);
 }
 
 } // namespace

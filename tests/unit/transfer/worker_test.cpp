@@ -2,6 +2,8 @@
 #include "transferpair.h"
 
 #include "core/comobject.h"
+#include "support/memorylimit.h"
+#include "transfer/queue.h"
 #include "transfer/Tc-xfer.h"
 #include "transfer/worker.h"
 
@@ -141,6 +143,29 @@ TEST_F(TransferBegin, ClosedPortFails) {
     ASSERT_EQ(Upload(sender, out.Write("a", "a").c_str()), 1);
     ASSERT_TRUE(PumpUntil([&] { return sent.Ended(); }));
     EXPECT_EQ(sent.statuses, Statuses({TransferStatus_Failure}));
+}
+
+TEST_F(TransferBegin, WithoutMemoryNothingBegins) {
+    struct Case {
+        const char* name;
+        int(TARNAPI* begin)(HWND, const char*);
+    };
+    const std::string path = out.Write(std::string(100, 'a'), "a");
+    const std::string waiting(400, 'w'); // so that the queue is what has no room, not the name
+    COMCTL& record = *RecordOf(sender);
+    for (const Case& row : {Case{"Upload", Upload}, Case{"Download", Download}}) {
+        ASSERT_TRUE(QueueFile(record, waiting.c_str()));
+        for (const size_t most : {size_t{0}, path.size(), path.size() * 2 + 2, waiting.size()}) {
+            const host::MemoryLimit limit(most);
+            EXPECT_EQ(row.begin(sender, path.c_str()), 0) << row.name << " with " << most;
+            EXPECT_GT(limit.Refusals(), 0) << row.name << " with " << most;
+        }
+        EXPECT_EQ(record.cFiles, 1) << row.name;
+        EXPECT_EQ(GetTransferType(sender), XferNone) << row.name;
+        EXPECT_EQ(GetTransferStatus(sender), 0) << row.name;
+        DropQueuedFiles(record);
+    }
+    EXPECT_EQ(sent.statuses, Statuses());
 }
 
 TEST_F(TransferBegin, DeadObjectsGiveNothing) {
