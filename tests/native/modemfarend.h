@@ -80,6 +80,8 @@ inline std::string Bytes(size_t count) {
     return bytes;
 }
 
+inline constexpr size_t fullBuffer = 1024; // is written out in the middle of a block
+
 class Transfer {
   public:
     explicit Transfer(XferDirection direction, int protocol, bool resume = false)
@@ -119,8 +121,6 @@ class Transfer {
     }
 
   private:
-    static constexpr size_t fullBuffer = 1024; // is written out in the middle of a block
-
     void Answer() {
         if (answers_.empty())
             return;
