@@ -3,20 +3,16 @@
 #include "diagnostics/swallow.h"
 #include "modem/TapiApp.h"
 
-#include <cstdlib>
-#include <new>
 #include <stdexcept>
 
 namespace doubles {
 
 Service service;
 std::vector<std::string> reports;
-size_t largestRefused = 0;
 
 void Reset() {
     service = {};
     reports.clear();
-    largestRefused = 0;
 }
 
 namespace {
@@ -34,22 +30,6 @@ using doubles::service;
 
 void SwallowException(const char* szPlace) noexcept {
     doubles::reports.push_back(szPlace);
-}
-
-void* operator new(size_t size) {
-    if (doubles::largestRefused && size >= doubles::largestRefused)
-        throw std::bad_alloc();
-    if (void* memory = std::malloc(size ? size : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-
-void operator delete(void* memory, size_t) noexcept {
-    std::free(memory);
 }
 
 CTapiApp::CTapiApp(CTapiOwner& owner, const TapiLimits& theLimits) : pControl(owner), limits(theLimits) {}

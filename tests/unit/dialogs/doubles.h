@@ -28,9 +28,6 @@ extern Service service;
 // The places that exceptions were reported from.
 extern std::vector<std::string> reports;
 
-// From now on no memory of this size or more is to be had; 0: there is.
-extern size_t largestRefused;
-
 void Reset();
 
 } // namespace doubles

@@ -2,8 +2,11 @@
 #include "dialogtest.h"
 
 #include "modem/SerialPortProperties.h"
+#include "support/memorylimit.h"
 
 #include <commctrl.h>
+
+#include <optional>
 
 using namespace dialogs;
 
@@ -191,11 +194,11 @@ TEST_F(SerialPortProperties, CancelChangesNothing) {
 TEST_F(SerialPortProperties, FailureIsReportedWithItsStepAndTheDialogStays) {
     constexpr size_t size = 3000000;
     settings.assign(size, '1');
-    doubles::largestRefused = size;
-    Look([](HWND hDlg) {
+    std::optional<host::MemoryLimit> limit(std::in_place, size - 1);
+    Look([&](HWND hDlg) {
         EXPECT_EQ(doubles::reports, Texts({"Exception in CSerialPortProperties::OnInitDialog: Settings"}));
         EXPECT_EQ(Tell(hDlg, 203, CB_GETCOUNT), 6);
-        doubles::largestRefused = 0;
+        limit.reset();
     });
     EXPECT_EQ(settings.size(), size);
 }
