@@ -66,6 +66,8 @@ State TakeFile(KermitState& kermit, const Packet& came) {
     std::string name = kermit.packet.data();
     std::string filnam1 = name;
     xfPrepareReceive(kermit.transfer, name, filnam1);
+    if (xfGetAbort(kermit.transfer)) // a host that aborts at the offer keeps the file that lies there
+        return State::Abort;
     kermit.hFile = FCreate(filnam1.c_str());
     kermit.cbWritten = 0;
     if (!kermit.hFile) {

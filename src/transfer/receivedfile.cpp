@@ -162,7 +162,7 @@ bool ReceivedFile::Replaces(const FileInfo& present) const {
 }
 
 int ReceivedFile::Resume() {
-    if (fout_.Open(Pathname, FileMode::Update) != 0)
+    if (Open(FileMode::Update) != 0)
         return FileCantBeOpened;
     if (!fout_.Seek(Rxbytes)) {
         fout_.Close();
@@ -181,9 +181,9 @@ int ReceivedFile::Skip() {
 }
 
 int ReceivedFile::OpenAs(FileMode mode, const std::string& name) {
-    int error = fout_.Open(Pathname, mode);
+    int error = Open(mode);
     if (error == ENOENT && MakeDirectories(name))
-        error = fout_.Open(Pathname, mode);
+        error = Open(mode);
     return error ? FileCantBeOpened : FileProceeds;
 }
 
@@ -219,7 +219,12 @@ void ReceivedFile::CheckPath(const std::string& name) {
 }
 
 bool ReceivedFile::OpenNew() {
-    return fout_.Open(Pathname, FileMode::Write) == 0;
+    return Open(FileMode::Write) == 0;
+}
+
+// A host that aborts at the offer keeps the file that lies there.
+int ReceivedFile::Open(FileMode mode) {
+    return line_.Aborted() ? ECANCELED : fout_.Open(Pathname, mode);
 }
 
 void ReceivedFile::WriteBlock(const void* lpBytes, int cbBytes) {

@@ -75,6 +75,7 @@ class ReceivedFile {
     int Resume();
     int Skip();
     int OpenAs(FileMode mode, const std::string& name);
+    int Open(FileMode mode);
     int MakeDirectories(const std::string& name); // the number of folders made
     void WriteText(std::string_view bytes);
 

@@ -346,6 +346,18 @@ TEST(KermitReceive, AbortClosesTheFile) {
     EXPECT_LE(receiver.transfer.line.waited, 6000u);
 }
 
+TEST(KermitReceive, AbortAtTheOfferKeepsTheFileThatIsThere) {
+    KermitReceiver receiver;
+    receiver.disk.files["a.txt"].contents = "mine";
+    receiver.transfer.onEvent = [&](int status) {
+        if (status == TransferStatus_Prepare)
+            receiver.transfer.object.Record().bAbortTransfer = 1;
+    };
+    EXPECT_EQ(receiver.Run(wholeFile), 1);
+    EXPECT_EQ(receiver.Contents(), "mine");
+    EXPECT_EQ(receiver.disk.journal, Lines{});
+}
+
 TEST(KermitReceive, ClosedPortEndsIt) {
     KermitReceiver receiver;
     receiver.transfer.line.closeAt = GetTickCount() + 500;

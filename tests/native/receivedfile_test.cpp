@@ -28,6 +28,13 @@ class Receiving {
         return file.ProcessHeader(copy.get(), block.size());
     }
 
+    void AbortAtTheOffer() {
+        host.onEvent = [this](int status) {
+            if (status == TransferStatus_Prepare)
+                host.object.Record().bAbortTransfer = 1;
+        };
+    }
+
     bool Logged(const std::string& text) const {
         return std::ranges::find(host.object.journal, "log " + text) != host.object.journal.end();
     }
@@ -242,6 +249,20 @@ TEST_P(ReceivedFilePresent, IsReplacedResumedOrKept) {
     EXPECT_EQ(receiving.Logged("Crash recovery at " + std::to_string(row.rxbytes)), row.opened == "rb+");
     EXPECT_EQ(receiving.Logged("Current a is " + std::to_string(row.size) + " 1000"),
               (row.zmanag & ZMMASK) != ZMPROT || row.local);
+}
+
+TEST_P(ReceivedFilePresent, StaysWhenTheHostAbortsAtTheOffer) {
+    const PresentCase& row = GetParam();
+    Receiving receiving(row.resume);
+    receiving.AbortAtTheOffer();
+    receiving.disk.files["a"] = {std::string(row.size, 'x'), 1000};
+    receiving.file.bZModem = row.zmodem;
+    receiving.file.zmanag = row.zmanag;
+    receiving.file.Lzmanag = row.local;
+    EXPECT_NE(receiving.Header("a\0"s + row.text), FileProceeds);
+    EXPECT_FALSE(receiving.file.OpenNew()) << "nor without a header";
+    EXPECT_EQ(receiving.disk.journal, std::vector<std::string>{});
+    EXPECT_EQ(receiving.disk.files["a"].contents.size(), row.size);
 }
 
 // Times are octal: 1751 is 1001, 1752 is 1002.
