@@ -2,7 +2,8 @@
 
 add_library(tarn_warnings INTERFACE)
 target_compile_options(tarn_warnings INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wswitch-enum -Werror
+    -Wall -Wextra -Wpedantic -Wconversion -Wswitch-enum
+    $<$<BOOL:${TARN_WARNINGS_ARE_ERRORS}>:-Werror>
     $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
     -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
 
@@ -15,7 +16,7 @@ if(WIN32)
 endif()
 
 # Debian's GoogleTest comes as source, so that each target builds its own.
-if(NOT TARGET GTest::gtest_main)
+if(TARN_TESTS AND NOT TARGET GTest::gtest_main)
     set(INSTALL_GTEST OFF)
     set(BUILD_GMOCK ON)
     add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
