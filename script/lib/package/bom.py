@@ -1,0 +1,114 @@
+"""The bill of materials, SPDX 2.3 in JSON: our binaries, and what of others is linked into them or packs them."""
+import hashlib
+import json
+import re
+import time
+import uuid
+
+from runtimes import ask, list_runtimes
+
+BINARIES = ("Lantry.ocx", "tarnregister.exe")
+ARCHITECTURES = ("x86", "x64")
+INSTALLER = {"title": "Nullsoft Scriptable Install System", "package": "nsis-common", "licence": "Zlib"}
+
+
+def identifier(*words):
+    return "SPDXRef-" + re.sub(r"[^A-Za-z0-9.]+", "-", "-".join(words)).strip("-")
+
+
+def digest(path, kind):
+    return hashlib.new(kind, path.read_bytes()).hexdigest()
+
+
+def list_binaries(root):
+    """Rows of (place in the package, path, run-times linked in)."""
+    for arch in ARCHITECTURES:
+        for name in BINARIES:
+            built = root / "build" / arch / name
+            yield f"bin/{arch}/{name}", built, list_runtimes(root, [built.with_suffix(".map")])
+
+
+def installer_tool():
+    version, source = ask("dpkg-query", "-Wf", "${Version}\t${source:Package} ${source:Version}",
+                          INSTALLER["package"]).split("\t")
+    return {**INSTALLER, "version": version, "source": source}
+
+
+def describe_part(part):
+    return {
+        "SPDXID": identifier(part["title"], part["package"]),
+        "name": part["title"],
+        "versionInfo": part["version"],
+        "supplier": "Organization: Debian",
+        "downloadLocation": "NOASSERTION",
+        "filesAnalyzed": False,
+        "licenseConcluded": part["licence"],
+        "licenseDeclared": part["licence"],
+        "copyrightText": "NOASSERTION",
+        "sourceInfo": f"Debian package {part['package']}, built from {part['source']}",
+        "externalRefs": [{
+            "referenceCategory": "PACKAGE-MANAGER",
+            "referenceType": "purl",
+            "referenceLocator": f"pkg:deb/debian/{part['package'].replace('+', '%2B')}"
+                                f"@{part['version'].replace('+', '%2B')}",
+        }],
+    }
+
+
+def describe_product(version, licence):
+    return {
+        "SPDXID": identifier("TarnLinkObjects"),
+        "name": "Tarn Link Objects",
+        "versionInfo": version,
+        "supplier": "Organization: The Tarn Link Objects developers",
+        "downloadLocation": "NOASSERTION",
+        "filesAnalyzed": False,
+        "licenseConcluded": "MIT",
+        "licenseDeclared": "MIT",
+        "copyrightText": re.search(r"^Copyright .*$", licence, re.M).group(),
+    }
+
+
+def describe_binary(place, path):
+    return {
+        "SPDXID": identifier(place),
+        "fileName": f"./{place}",
+        "fileTypes": ["BINARY"],
+        "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(path, kind)} for kind in ("sha1", "sha256")],
+        "licenseConcluded": "MIT",
+        "licenseInfoInFiles": ["NOASSERTION"],
+        "copyrightText": "NOASSERTION",
+    }
+
+
+def relate(subject, kind, other):
+    return {"spdxElementId": subject, "relationshipType": kind, "relatedSpdxElement": other}
+
+
+def bill_of_materials(root, version, epoch):
+    product = describe_product(version, (root / "LICENSE").read_text())
+    tool = describe_part(installer_tool())
+    packages, files = {}, []
+    relations = [relate("SPDXRef-DOCUMENT", "DESCRIBES", product["SPDXID"]),
+                 relate(tool["SPDXID"], "BUILD_TOOL_OF", product["SPDXID"])]
+    for place, path, runtimes in list_binaries(root):
+        files.append(describe_binary(place, path))
+        relations.append(relate(product["SPDXID"], "CONTAINS", files[-1]["SPDXID"]))
+        for part in map(describe_part, runtimes):
+            packages[part["SPDXID"]] = part
+            relations.append(relate(files[-1]["SPDXID"], "STATIC_LINK", part["SPDXID"]))
+    sums = " ".join(each["checksums"][1]["checksumValue"] for each in files)
+    return json.dumps({
+        "spdxVersion": "SPDX-2.3",
+        "dataLicense": "CC0-1.0",
+        "SPDXID": "SPDXRef-DOCUMENT",
+        "name": f"TarnLinkObjects-{version}",
+        "documentNamespace": f"urn:uuid:{uuid.uuid5(uuid.NAMESPACE_OID, f'{version} {sums}')}",
+        "creationInfo": {
+            "created": time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(epoch)),
+            "creators": ["Tool: script/package"],
+        },
+        "packages": [product, *(packages[key] for key in sorted(packages)), tool],
+        "files": files,
+        "relationships": relations,
+    }, indent=1, ensure_ascii=False) + "\n"

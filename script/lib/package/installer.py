@@ -1,0 +1,34 @@
+"""The lists that package/setup.nsi includes: what it copies and what the uninstaller takes away, from one folder."""
+
+
+def escape(path):
+    return path.replace("$", "$$")
+
+
+def list_folders(places):
+    folders = {""}
+    for place in places:
+        while "/" in place:
+            place = place.rpartition("/")[0]
+            folders.add(place)
+    return sorted(folders)
+
+
+def windows(path):
+    return path.replace("/", "\\")
+
+
+def write_lists(path, folder):
+    places = sorted(each.relative_to(folder).as_posix() for each in folder.rglob("*") if each.is_file())
+    folders = list_folders(places)
+    lines = ["!macro CopyFiles"]
+    for each in folders:
+        lines.append(f'  SetOutPath "$INSTDIR\\{windows(each)}"')
+        lines += [f'  File "${{STAGE}}/{escape(place)}"' for place in places if place.rpartition("/")[0] == each]
+    lines += ["!macroend", "", "!macro RemoveFiles"]
+    lines += [f'  Delete "$INSTDIR\\{windows(escape(place))}"' for place in places]
+    # The deepest first, and only those that are empty then.
+    lines += [f'  RMDir "$INSTDIR\\{windows(each)}"' for each in reversed(folders) if each]
+    size = sum((folder / place).stat().st_size for place in places)
+    lines += ["!macroend", "", f"!define KILOBYTES {(size + 1023) // 1024}", ""]
+    path.write_text("\n".join(lines))

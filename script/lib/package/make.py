@@ -1,0 +1,93 @@
+"""Makes build/package of what is built: make.py ROOT VERSION EPOCH. script/package calls it.
+
+Nothing in what it makes depends on the folder, the user or the hour: names are sorted, times are EPOCH.
+"""
+import hashlib
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import time
+import zipfile
+
+from bom import INSTALLER, bill_of_materials, list_binaries
+from contents import list_contents
+from installer import write_lists
+
+COMMON_LICENCES = pathlib.Path("/usr/share/common-licenses")
+# Texts that the accounts of the packages only refer to.
+REFERRED = ("GPL-3",)
+
+
+def sha256(path):
+    return hashlib.sha256(path.read_bytes()).hexdigest()
+
+
+def write_licences(root, folder):
+    folder.mkdir(parents=True)
+    packages = {part["package"]: part["copyright"] for _, _, parts in list_binaries(root) for part in parts}
+    packages[INSTALLER["package"]] = pathlib.Path(f"/usr/share/doc/{INSTALLER['package']}/copyright")
+    for package, account in packages.items():
+        shutil.copyfile(account, folder / f"{package}.txt")
+    for name in REFERRED:
+        shutil.copyfile(COMMON_LICENCES / name, folder / f"{name}.txt")
+
+
+def write_made(root, version, epoch):
+    """What the table names below build/package/made."""
+    made = root / "build/package/made"
+    write_licences(root, made / "licenses")
+    (made / "TarnLinkObjects.spdx.json").write_text(bill_of_materials(root, version, epoch))
+    sums = made / "SHA256SUMS"
+    sums.write_text("".join(f"{sha256(source)}  {place}\n" for place, source in list_contents(root) if source != sums))
+
+
+def stage(contents, folder, epoch):
+    for place, source in contents:
+        target = folder / place
+        target.parent.mkdir(parents=True, exist_ok=True)
+        shutil.copyfile(source, target)
+        target.chmod(0o644)
+        os.utime(target, (epoch, epoch))
+
+
+def write_zip(path, folder, places, epoch):
+    moment = time.gmtime(epoch)[:6]
+    with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
+        for place in places:
+            entry = zipfile.ZipInfo(f"{folder.name}/{place}", moment)
+            entry.compress_type = zipfile.ZIP_DEFLATED
+            entry.create_system = 3
+            entry.external_attr = 0o100644 << 16
+            archive.writestr(entry, (folder / place).read_bytes())
+
+
+def write_installer(root, path, folder, version, epoch):
+    lists = folder.parent / "lists.nsh"
+    write_lists(lists, folder)
+    os.utime(lists, (epoch, epoch))
+    subprocess.run(
+        ["makensis", "-V2", "-WX", "-NOCD", f"-DVERSION={version}", f"-DSTAGE={folder}", f"-DLISTS={lists}",
+         f"-DOUTPUT={path}", root / "package/setup.nsi"],
+        check=True, env={**os.environ, "SOURCE_DATE_EPOCH": str(epoch), "TZ": "UTC"})
+
+
+def make(root, version, epoch):
+    package = root / "build/package"
+    shutil.rmtree(package, ignore_errors=True)
+    package.mkdir(parents=True)
+    write_made(root, version, epoch)
+    contents = list_contents(root)
+    name = f"TarnLinkObjects-{version}"
+    folder = package / "stage" / name
+    stage(contents, folder, epoch)
+    products = [package / f"{name}.zip", package / f"{name}-setup.exe", package / f"{name}.spdx.json"]
+    write_zip(products[0], folder, [place for place, _ in contents], epoch)
+    write_installer(root, products[1], folder, version, epoch)
+    shutil.copyfile(package / "made/TarnLinkObjects.spdx.json", products[2])
+    (package / "SHA256SUMS").write_text("".join(f"{sha256(path)}  {path.name}\n" for path in sorted(products)))
+
+
+if __name__ == "__main__":
+    make(pathlib.Path(sys.argv[1]).resolve(), sys.argv[2], int(sys.argv[3]))
