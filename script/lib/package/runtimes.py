@@ -1,4 +1,5 @@
 """Which run-time libraries of the compiler are linked into a module, as its linker's map tells, and whose they are."""
+import functools
 import pathlib
 import re
 import subprocess
@@ -27,6 +28,7 @@ def ask(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout.strip()
 
 
+@functools.cache
 def owner_of(path):
     return ask("dpkg", "-S", path).split(":")[0]
 
