@@ -1,7 +1,7 @@
 // Registers Lantry.ocx beside it, or takes that away: tarnregister /machine|/user [/remove]
 //
-// The module itself writes for the machine and falls back on the user, and takes away from both. This program keeps
-// to the one that is named.
+// The module itself writes for the machine and falls back on the user, and takes away from both. This program
+// keeps to the one that is named.
 #include <windows.h>
 
 #include <cstdio>
@@ -99,18 +99,36 @@ class Lead {
     LSTATUS error_;
 };
 
-Result ForUser(Module::Entry entry) {
+// A user's hive seldom has these before; empty, they say nothing.
+void DropEmptyParents() {
+    for (const wchar_t* path :
+         {L"Software\\Classes\\CLSID", L"Software\\Classes\\Interface", L"Software\\Classes\\TypeLib"}) {
+        Key key;
+        DWORD keys = 0, values = 0;
+        if (RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, KEY_READ, key.Out()) == ERROR_SUCCESS &&
+            RegQueryInfoKeyW(key.Get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
+                             nullptr, nullptr, nullptr) == ERROR_SUCCESS &&
+            keys == 0 && values == 0)
+            RegDeleteKeyW(HKEY_CURRENT_USER, path);
+    }
+}
+
+Result ForUser(Module::Entry entry, bool remove) {
     Key user;
     if (RegOpenCurrentUser(MAXIMUM_ALLOWED, user.Out()) != ERROR_SUCCESS)
         return NoRegistry;
     const Lead lead(HKEY_LOCAL_MACHINE, user);
     if (!lead.InForce())
         return NoRegistry;
-    return SUCCEEDED(entry()) ? Done : Refused;
+    if (FAILED(entry()))
+        return Refused;
+    if (remove)
+        DropEmptyParents();
+    return Done;
 }
 
-// A user without the rights must not get what he did not ask for, so the rights are tried first. What is his own
-// stays where it is: in his place the module sees a key that holds no classes.
+// A user without the rights must not get what he did not ask for, so the rights are tried first. What is his
+// own stays where it is: in his place the module sees a key that holds no classes.
 Result ForMachine(Module::Entry entry) {
     Key classes, software;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes", 0, KEY_WRITE, classes.Out()) != ERROR_SUCCESS)
@@ -131,7 +149,7 @@ Result CarryOut(const Wish& wish) {
     const auto entry = module.Find(wish.remove ? "DllUnregisterServer" : "DllRegisterServer");
     if (!entry)
         return NoModule;
-    return wish.hive == HKEY_CURRENT_USER ? ForUser(entry) : ForMachine(entry);
+    return wish.hive == HKEY_CURRENT_USER ? ForUser(entry, wish.remove) : ForMachine(entry);
 }
 
 } // namespace

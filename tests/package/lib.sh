@@ -66,8 +66,7 @@ run() {
 run_for() {
     local wanted=$1 result=0
     shift
-    run "$@" 2>/dev/null | tr -d '\r' || true
-    result=${PIPESTATUS[0]}
+    run "$@" 2>&1 | tr -d '\r' || result=$?
     ((result == wanted)) || die "$* ended with $result, not $wanted"
 }
 
