@@ -1,12 +1,12 @@
 # shellcheck shell=bash
-# The tests' own Wine: a prefix for each of x86, x64, phone, call, form, bench and screen under build/wine, with the
-# serial ports that lead to the virtual line. Only programs in screen paint, on the display of display.sh. Sourced by
+# The tests' own Wine: a prefix for each of x86, x64, phone, call, form, bench, package and screen under build/wine, with
+# the serial ports that lead to the virtual line. Only programs in screen paint, on the display of display.sh. Sourced by
 # scripts; the user's prefix is never touched.
 
 wine_root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
 wine_linger=60 # seconds that a wineserver waits for the next program
 
-# Makes a prefix current: use_wine x86|x64|phone|call|form|bench|screen [build root]
+# Makes a prefix current: use_wine x86|x64|phone|call|form|bench|package|screen [build root]
 use_wine() {
     wine_name=$1
     wine_build=${2:-$wine_root/build}
