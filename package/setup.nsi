@@ -18,7 +18,8 @@ RequestExecutionLevel highest
 !include "${LISTS}"
 
 !define NAME "Tarn Link Objects"
-!define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\TarnLinkObjects"
+!define PROGRAMS_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall"
+!define UNINSTALL_KEY "${PROGRAMS_KEY}\TarnLinkObjects"
 !define NO_RIGHTS 2
 !define IN_USE 3
 !define NOT_REGISTERED 4
@@ -339,6 +340,7 @@ Section "un.Remove"
   ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" InstallLocation
   ${If} $0 == $INSTDIR
     DeleteRegKey SHCTX "${UNINSTALL_KEY}"
+    DeleteRegKey /ifempty SHCTX "${PROGRAMS_KEY}"
   ${EndIf}
   Delete "$INSTDIR\uninstall.exe"
   RMDir $INSTDIR

@@ -7,7 +7,8 @@ import uuid
 
 from runtimes import ask, list_runtimes
 
-BINARIES = ("Lantry.ocx", "tarnregister.exe")
+# Where the package has them from.
+BINARIES = {"Lantry.ocx": "build/package/made", "tarnregister.exe": "build"}
 ARCHITECTURES = ("x86", "x64")
 INSTALLER = {"title": "Nullsoft Scriptable Install System", "package": "nsis-common", "licence": "Zlib"}
 
@@ -23,9 +24,9 @@ def digest(path, kind):
 def list_binaries(root):
     """Rows of (place in the package, path, run-times linked in)."""
     for arch in ARCHITECTURES:
-        for name in BINARIES:
-            built = root / "build" / arch / name
-            yield f"bin/{arch}/{name}", built, list_runtimes(root, [built.with_suffix(".map")])
+        for name, folder in BINARIES.items():
+            linker_map = (root / "build" / arch / name).with_suffix(".map")
+            yield f"bin/{arch}/{name}", root / folder / arch / name, list_runtimes(root, [linker_map])
 
 
 def installer_tool():

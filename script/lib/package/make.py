@@ -15,6 +15,7 @@ from bom import INSTALLER, bill_of_materials, list_binaries
 from contents import list_contents
 from installer import write_lists
 
+TRIPLES = {"x86": "i686-w64-mingw32", "x64": "x86_64-w64-mingw32"}
 COMMON_LICENCES = pathlib.Path("/usr/share/common-licenses")
 # Texts that the accounts of the packages only refer to.
 REFERRED = ("GPL-3",)
@@ -34,9 +35,19 @@ def write_licences(root, folder):
         shutil.copyfile(COMMON_LICENCES / name, folder / f"{name}.txt")
 
 
+def write_module(root, arch, made):
+    """The module without its link to the symbols, which stay here: they tell how the compiler was called."""
+    (made / arch).mkdir(parents=True)
+    subprocess.run([f"{TRIPLES[arch]}-objcopy", "--remove-section=.gnu_debuglink",
+                    root / "build" / arch / "Lantry.ocx", made / arch / "Lantry.ocx"],
+                   check=True, env={**os.environ, "SOURCE_DATE_EPOCH": "0"})
+
+
 def write_made(root, version, epoch):
     """What the table names below build/package/made."""
     made = root / "build/package/made"
+    for arch in TRIPLES:
+        write_module(root, arch, made)
     write_licences(root, made / "licenses")
     (made / "TarnLinkObjects.spdx.json").write_text(bill_of_materials(root, version, epoch))
     sums = made / "SHA256SUMS"
