@@ -1,0 +1,105 @@
+// A protocol that runs in the control's events alone: RThreshold says how many bytes the next step needs.
+//
+//     cpp-thresholds PORT
+//
+// The far end sends packets: ":", the body's length in two digits, the body, and the low byte of the sum of
+// the body's bytes in two hexadecimal digits. Each is answered by "+" if its sum is right and by "-" if it
+// isn't. An empty body ends the program. The control has to be registered: regsvr32 Lantry.ocx.
+#include "eventsink.h"
+
+#include <comdef.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <numeric>
+#include <string>
+
+namespace {
+
+class Station {
+  public:
+    bool Open(const char* port) {
+        if (!comm_.IsConnected())
+            return false;
+        comm_->put_AutoReceive(VARIANT_FALSE); // what comes in is for the event, and not for the terminal
+        comm_->put_CommPort(_variant_t(port));
+        comm_->put_Settings(_bstr_t("9600,n,8,1"));
+        Expect(headerSize);
+        comm_->put_PortOpen(VARIANT_TRUE);
+        VARIANT_BOOL open = VARIANT_FALSE;
+        comm_->get_PortOpen(&open);
+        return open;
+    }
+
+    // Before the program's COM ends.
+    void Close() { comm_->put_PortOpen(VARIANT_FALSE); }
+
+  private:
+    static constexpr long headerSize = 3;
+    static constexpr long sumSize = 2;
+
+    // The event is raised once so many bytes wait, and not for every byte.
+    void Expect(long count) {
+        wanted_ = count;
+        comm_->put_RThreshold(count);
+        comm_->put_InputLen(count);
+    }
+
+    // What comes next may be there already, and then no new byte would tell of it.
+    void OnReceive() {
+        for (long waiting = 0; SUCCEEDED(comm_->get_InBufferCount(&waiting)) && waiting >= wanted_;) {
+            _variant_t input;
+            comm_->get_Input(&input);
+            const std::string bytes(static_cast<const char*>(_bstr_t(input)));
+            if (inBody_)
+                TakeBody(bytes);
+            else
+                TakeHeader(bytes);
+        }
+    }
+
+    void TakeHeader(const std::string& header) {
+        const int length = header.starts_with(':') ? std::atoi(header.c_str() + 1) : -1;
+        if (length <= 0) // the end, or a far end that speaks another language
+            PostQuitMessage(length < 0);
+        inBody_ = length > 0;
+        Expect(inBody_ ? length + sumSize : headerSize);
+    }
+
+    void TakeBody(const std::string& bytes) {
+        const std::string body = bytes.substr(0, bytes.size() - sumSize);
+        const unsigned long told = std::strtoul(bytes.c_str() + body.size(), nullptr, 16);
+        const bool whole = told == std::accumulate(body.begin(), body.end(), 0UL) % 256;
+        std::printf("%s %s\n", whole ? "good" : "bad ", body.c_str());
+        comm_->put_Output(_variant_t(whole ? "+" : "-"));
+        inBody_ = false;
+        Expect(headerSize);
+    }
+
+    long wanted_ = headerSize;
+    bool inBody_ = false;
+    ConnectedControl comm_{[this](DISPID event) {
+        if (event == Receive)
+            OnReceive();
+    }};
+};
+
+int Run(const char* port) {
+    Station station;
+    if (!station.Open(port)) {
+        std::printf("%s does not open.\n", port);
+        return 1;
+    }
+    const int result = ServeMessages();
+    station.Close();
+    return result;
+}
+
+} // namespace
+
+int main(int count, char** words) {
+    CoInitialize(nullptr);
+    const int result = Run(count > 1 ? words[1] : "COM1");
+    CoUninitialize();
+    return result;
+}

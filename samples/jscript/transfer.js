@@ -1,0 +1,35 @@
+// Sends a file by ZModem, or receives the one that the far end sends.
+//
+//     cscript //nologo transfer.js PORT send FILE
+//     cscript //nologo transfer.js PORT receive FILE
+//
+// FILE is a whole path. A file that is received gets that name, whatever the far end calls it.
+var zModem = 5;
+var noDialog = 0;
+
+function fail(reason) {
+    WScript.Echo(reason);
+    WScript.Quit(1);
+}
+
+var args = WScript.Arguments;
+if (args.length !== 3)
+    fail("Usage: transfer.js PORT send|receive FILE");
+
+var comm = new ActiveXObject("TarnLink.TarnComm");
+comm.CommPort = args(0);
+comm.Settings = "115200,n,8,1";
+comm.XferProtocol = zModem;
+comm.XferStatusDialog = noDialog;
+comm.PortOpen = true; // throws nothing: PortOpen and PortStatus tell
+if (!comm.PortOpen)
+    fail(args(0) + " does not open: " + comm.PortStatus);
+
+if (args(1) === "send")
+    comm.Upload = args(2);
+else
+    comm.Download = args(2);
+if (!comm.WaitUntilEndOfTransfer())
+    fail("The transfer failed.");
+WScript.Echo(args(2) + ": " + comm.XferTransferred + " bytes.");
+comm.PortOpen = false;

@@ -1,0 +1,28 @@
+# Writes the lines that an instrument sends to a file, each behind its date and time.
+#
+#     .\logger.ps1 COM1 readings.csv 1000
+param(
+    [Parameter(Mandatory)] [string] $Port,
+    [Parameter(Mandatory)] [string] $File,
+    [Parameter(Mandatory)] [int] $Count
+)
+
+$comm = New-Object -ComObject TarnLink.TarnComm
+$comm.AutoReceive = $false # what comes is for LineInput, and not for the terminal
+$comm.CommPort = $Port
+$comm.Settings = '9600,n,8,1'
+$comm.InTimeOut = 60000 # ms; LineInput is empty when none came in time
+$comm.PortOpen = $true
+if (-not $comm.PortOpen) { throw "$Port does not open: $($comm.PortStatus)" }
+
+try {
+    for ($left = $Count; $left -gt 0; ) {
+        $reading = $comm.LineInput
+        if (-not $reading) { continue }
+        '{0:yyyy-MM-dd HH:mm:ss},{1}' -f (Get-Date), $reading | Add-Content -Path $File
+        $left--
+    }
+}
+finally {
+    $comm.PortOpen = $false
+}

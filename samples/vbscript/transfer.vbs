@@ -1,0 +1,32 @@
+' Sends a file by ZModem, or receives the one that the far end sends.
+'
+'     cscript //nologo transfer.vbs PORT send FILE
+'     cscript //nologo transfer.vbs PORT receive FILE
+'
+' FILE is a whole path. A file that is received gets that name, whatever the far end calls it.
+Option Explicit
+
+Const ZModem = 5
+Const NoDialog = 0
+
+Dim args, comm
+Set args = WScript.Arguments
+If args.Count <> 3 Then Fail "Usage: transfer.vbs PORT send|receive FILE"
+
+Set comm = CreateObject("TarnLink.TarnComm")
+comm.CommPort = args(0)
+comm.Settings = "115200,n,8,1"
+comm.XferProtocol = ZModem
+comm.XferStatusDialog = NoDialog
+comm.PortOpen = True ' raises no error: PortOpen and PortStatus tell
+If Not comm.PortOpen Then Fail args(0) & " does not open: " & comm.PortStatus
+
+If args(1) = "send" Then comm.Upload = args(2) Else comm.Download = args(2)
+If Not comm.WaitUntilEndOfTransfer Then Fail "The transfer failed."
+WScript.Echo args(2) & ": " & comm.XferTransferred & " bytes."
+comm.PortOpen = False
+
+Sub Fail(reason)
+    WScript.Echo reason
+    WScript.Quit 1
+End Sub
