@@ -63,16 +63,19 @@ static void CALLBACK OnEvent(HWND line, int id, int code) {
 
 int main(int count, char** words) {
     char error[TARN_ERROR_TEXT_SIZE];
+    const char* const port = count > 1 ? words[1] : "COM1";
     const HWND line = CreateCommObject(NULL);
     MSG message = {0};
-    SetCommPort(line, count > 1 ? words[1] : "COM1");
+    SetCommPort(line, port);
     SetSettings(line, "9600,n,8,1");
     SetEventHandler(line, OnEvent);
     Expect(line, headerSize);
     if (!SetPortOpen(line, 1, error)) {
-        printf("The port does not open: %s\n", error);
+        printf("%s does not open: %s\n", port, error);
         return 1;
     }
+    printf("%s is open.\n", port);
+    fflush(stdout);
     while (GetMessage(&message, NULL, 0, 0) > 0)
         DispatchMessage(&message);
     FlushOutputBuffer(line, 1000); /* ms */

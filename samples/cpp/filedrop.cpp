@@ -10,20 +10,28 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
+#include <cwchar>
+#include <iterator>
 #include <string>
+#include <string_view>
 
 namespace {
 
+constexpr std::wstring_view plain = L"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.-_";
+
+bool IsOdd(wchar_t c) {
+    return plain.find(c) == std::wstring_view::npos;
+}
+
 class FileDrop {
   public:
-    FileDrop(std::string folder, int count) : folder_(std::move(folder)), left_(count) {}
+    FileDrop(std::wstring folder, int count) : folder_(std::move(folder)), left_(count) {}
 
-    bool Listen(const char* port) {
+    bool Listen(const wchar_t* port) {
         if (!comm_.IsConnected())
             return false;
         comm_->put_CommPort(_variant_t(port));
-        comm_->put_Settings(_bstr_t("115200,n,8,1"));
+        comm_->put_Settings(_bstr_t(L"115200,n,8,1"));
         comm_->put_XferPath(_bstr_t(folder_.c_str()));
         comm_->put_XferStatusDialog(Dialog_Hidden);
         PortType type = PortType_Unknown;
@@ -62,7 +70,7 @@ class FileDrop {
     void NameFile() {
         _bstr_t offered;
         comm_->get_XferSourceFilename(offered.GetAddress());
-        name_ = PlainName(static_cast<const char*>(offered));
+        name_ = PlainName(static_cast<const wchar_t*>(offered));
         comm_->put_XferDestFilename(_bstr_t(name_.c_str()));
     }
 
@@ -70,39 +78,38 @@ class FileDrop {
     // "C:\autoexec.bat", "nul". Of the offered name only the last part is used, of that only plain
     // characters, and behind a number: no device has such a name, and no file that is there already is
     // written over.
-    std::string PlainName(const std::string& offered) {
-        std::string last = offered.substr(offered.find_last_of("/\\:") + 1).substr(0, 60);
-        std::ranges::replace_if(
-            last, [](unsigned char c) { return !isalnum(c) && !strchr(".-_", c); }, '_');
-        char number[8];
+    std::wstring PlainName(const std::wstring& offered) {
+        std::wstring last = offered.substr(offered.find_last_of(L"/\\:") + 1).substr(0, 60);
+        std::ranges::replace_if(last, IsOdd, L'_');
+        wchar_t number[16];
         do
-            std::snprintf(number, sizeof number, "%04d-", ++number_);
-        while (GetFileAttributesA((folder_ + number + last).c_str()) != INVALID_FILE_ATTRIBUTES);
+            std::swprintf(number, std::size(number), L"%04d-", ++number_);
+        while (GetFileAttributesW((folder_ + number + last).c_str()) != INVALID_FILE_ATTRIBUTES);
         return number + last;
     }
 
     void ShowFile() {
         long bytes = 0;
         comm_->get_XferTransferred(&bytes);
-        std::printf("%s: %ld bytes.\n", name_.c_str(), bytes);
+        std::printf("%ls: %ld bytes.\n", name_.c_str(), bytes);
         std::fflush(stdout);
         --left_;
     }
 
-    std::string folder_;
+    std::wstring folder_;
     int left_; // files until the end, or for ever
     int number_ = 0;
-    std::string name_; // of the file under way
+    std::wstring name_; // of the file under way
     ConnectedControl comm_{[this](DISPID event) { OnEvent(event); }};
 };
 
-int Run(const char* port, const char* folder, int count) {
+int Run(const wchar_t* port, const wchar_t* folder, int count) {
     FileDrop drop(folder, count);
     if (!drop.Listen(port)) {
-        std::printf("%s does not answer calls.\n", port);
+        std::printf("%ls does not answer calls.\n", port);
         return 1;
     }
-    std::printf("%s waits for calls.\n", port);
+    std::printf("%ls waits for calls.\n", port);
     std::fflush(stdout);
     const int result = ServeMessages();
     drop.HangUp();
@@ -111,13 +118,13 @@ int Run(const char* port, const char* folder, int count) {
 
 } // namespace
 
-int main(int count, char** words) {
+int wmain(int count, wchar_t** words) {
     if (count < 3) {
         std::printf("cpp-filedrop PORT FOLDER [COUNT]\n");
         return 1;
     }
     CoInitialize(nullptr);
-    const int result = Run(words[1], words[2], count > 3 ? std::atoi(words[3]) : -1);
+    const int result = Run(words[1], words[2], count > 3 ? _wtoi(words[3]) : -1);
     CoUninitialize();
     return result;
 }

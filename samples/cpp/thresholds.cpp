@@ -10,7 +10,7 @@
 #include <comdef.h>
 
 #include <cstdio>
-#include <cstdlib>
+#include <cwchar>
 #include <numeric>
 #include <string>
 
@@ -18,12 +18,12 @@ namespace {
 
 class Station {
   public:
-    bool Open(const char* port) {
+    bool Open(const wchar_t* port) {
         if (!comm_.IsConnected())
             return false;
         comm_->put_AutoReceive(VARIANT_FALSE); // what comes in is for the event, and not for the terminal
         comm_->put_CommPort(_variant_t(port));
-        comm_->put_Settings(_bstr_t("9600,n,8,1"));
+        comm_->put_Settings(_bstr_t(L"9600,n,8,1"));
         Expect(headerSize);
         comm_->put_PortOpen(VARIANT_TRUE);
         VARIANT_BOOL open = VARIANT_FALSE;
@@ -50,7 +50,7 @@ class Station {
         for (long waiting = 0; SUCCEEDED(comm_->get_InBufferCount(&waiting)) && waiting >= wanted_;) {
             _variant_t input;
             comm_->get_Input(&input);
-            const std::string bytes(static_cast<const char*>(_bstr_t(input)));
+            const std::wstring bytes(V_BSTR(&input), SysStringLen(V_BSTR(&input)));
             if (inBody_)
                 TakeBody(bytes);
             else
@@ -58,20 +58,20 @@ class Station {
         }
     }
 
-    void TakeHeader(const std::string& header) {
-        const int length = header.starts_with(':') ? std::atoi(header.c_str() + 1) : -1;
+    void TakeHeader(const std::wstring& header) {
+        const long length = header.starts_with(L':') ? std::wcstol(header.c_str() + 1, nullptr, 10) : -1;
         if (length <= 0) // the end, or a far end that speaks another language
             PostQuitMessage(length < 0);
         inBody_ = length > 0;
         Expect(inBody_ ? length + sumSize : headerSize);
     }
 
-    void TakeBody(const std::string& bytes) {
-        const std::string body = bytes.substr(0, bytes.size() - sumSize);
-        const unsigned long told = std::strtoul(bytes.c_str() + body.size(), nullptr, 16);
+    void TakeBody(const std::wstring& bytes) {
+        const std::wstring body = bytes.substr(0, bytes.size() - sumSize);
+        const unsigned long told = std::wcstoul(bytes.c_str() + body.size(), nullptr, 16);
         const bool whole = told == std::accumulate(body.begin(), body.end(), 0UL) % 256;
-        std::printf("%s %s\n", whole ? "good" : "bad ", body.c_str());
-        comm_->put_Output(_variant_t(whole ? "+" : "-"));
+        std::printf("%s %ls\n", whole ? "good" : "bad ", body.c_str());
+        comm_->put_Output(_variant_t(whole ? L"+" : L"-"));
         inBody_ = false;
         Expect(headerSize);
     }
@@ -84,12 +84,14 @@ class Station {
     }};
 };
 
-int Run(const char* port) {
+int Run(const wchar_t* port) {
     Station station;
     if (!station.Open(port)) {
-        std::printf("%s does not open.\n", port);
+        std::printf("%ls does not open.\n", port);
         return 1;
     }
+    std::printf("%ls is open.\n", port);
+    std::fflush(stdout);
     const int result = ServeMessages();
     station.Close();
     return result;
@@ -97,9 +99,9 @@ int Run(const char* port) {
 
 } // namespace
 
-int main(int count, char** words) {
+int wmain(int count, wchar_t** words) {
     CoInitialize(nullptr);
-    const int result = Run(count > 1 ? words[1] : "COM1");
+    const int result = Run(count > 1 ? words[1] : L"COM1");
     CoUninitialize();
     return result;
 }

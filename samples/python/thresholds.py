@@ -27,6 +27,7 @@ class Station:
         comm.PortOpen = True
         if not comm.PortOpen:
             sys.exit(f"{port} does not open: {comm.PortStatus}")
+        print(f"{port} is open.")
 
     def expect(self, count):
         """The event is raised once so many bytes wait, and not for every byte."""

@@ -1,0 +1,54 @@
+// Writes the lines that an instrument sends to a file, each behind its date and time.
+//
+//     logger COM1 readings.csv 1000
+program logger;
+
+{$APPTYPE CONSOLE}
+
+uses
+  Windows, SysUtils, TarnComm;
+
+const
+  Limit = 60000; // ms; GetLineInput gives 0 when no line came in time
+
+procedure AddLine(const Path, Reading: string);
+var
+  Log: TextFile;
+begin
+  AssignFile(Log, Path);
+  if FileExists(Path) then
+    Append(Log)
+  else
+    Rewrite(Log);
+  WriteLn(Log, FormatDateTime('yyyy-mm-dd hh:nn:ss', Now), ',', Reading);
+  CloseFile(Log); // a reading that was taken is not lost with the program
+end;
+
+var
+  Line: HWND;
+  Reading: array[0..127] of AnsiChar;
+  Error: array[0..TARN_ERROR_TEXT_SIZE - 1] of AnsiChar;
+  Length, Left: Integer;
+
+begin
+  Line := CreateCommObject(0);
+  SetCommPort(Line, PAnsiChar(AnsiString(ParamStr(1))));
+  SetSettings(Line, '9600,n,8,1');
+  SetInputTimeOut(Line, Limit);
+  if SetPortOpen(Line, 1, Error) = 0 then
+  begin
+    WriteLn('The port does not open: ', Error);
+    Halt(1);
+  end;
+  Left := StrToInt(ParamStr(3));
+  while Left > 0 do
+  begin
+    Length := GetLineInput(Line, Reading, SizeOf(Reading) - 1);
+    Reading[Length] := #0; // which a line as long as the buffer lacks
+    if Length = 0 then
+      Continue;
+    AddLine(ParamStr(2), string(AnsiString(Reading)));
+    Dec(Left);
+  end;
+  DestroyCommObject(Line);
+end.

@@ -1,0 +1,61 @@
+# shellcheck shell=bash
+# A caller behind a modem who offers files under names of all kinds.
+
+lay_case=start_modems
+
+# Its line is standard input and output: call NUMBER NAME...
+# The files are told by their whole names, each in a transfer of its own; what the far end refuses is the caller's loss.
+call() {
+    local word=
+    stty raw -echo
+    printf 'ATE0V1\rATDT%s\r' "$1"
+    until [[ $word == CONNECT* ]]; do
+        IFS= read -r -t 30 -d $'\r' word || return
+        word=${word//$'\n'/}
+    done
+    export LD_PRELOAD="$wine_build/native/tests/line/\$LIB/libkeepbytes.so"
+    for name in "${@:2}"; do
+        timeout 30 sz --quiet --full-path -- "$name" || true
+    done
+}
+
+# Each name: "as it is offered" "as it is kept"
+drop() {
+    local offered=() kept=() name
+    while (($#)); do
+        offered+=("$1")
+        [[ -z $2 ]] || kept+=("$2")
+        shift 2
+    done
+    for name in "${offered[@]}"; do
+        mkdir -p "$(dirname -- "$folder/there/$name")"
+        cp "$inputs/k3.bin" "$folder/there/$name"
+    done
+    mkdir "$folder/here/drop"
+    start_sample COM11 "$(windows_path "$folder/here/drop")\\" "${#kept[@]}"
+    await "an open line" 20 host_says 'waits for calls'
+    (
+        exec {wine_lock}>&- <"$wine_line/a1" >"$wine_line/a1" 2>"$folder/peer.log"
+        cd "$folder/there"
+        call 5551001 "${offered[@]}"
+    ) &
+    peer=$!
+    expect_end host 0 60
+    as_kept "${kept[@]}"
+}
+
+# These files, and no others anywhere that the sample may reach.
+as_kept() {
+    local name
+    set_step "looking for the files"
+    for name; do
+        cmp --silent "$inputs/k3.bin" "$folder/here/drop/$name" || fail_case "$name is not what was sent"
+    done
+    [[ $(find "$folder/here" -type f | wc -l) == $# ]] || fail_case "other files came: $(find "$folder/here" -type f)"
+    { echo "COM11 waits for calls."; printf '%s: 3000 bytes.\n' "$@"; } | expect_words
+}
+
+run_case plain drop letter.txt 0001-letter.txt
+run_case hostile drop sub/folder.bin 0001-folder.bin 'C:\evil.bat' 0002-evil.bat 'nul' 0003-nul \
+    'a b;c.txt' 0004-a_b_c.txt
+run_case twice drop letter.txt 0001-letter.txt ./letter.txt 0002-letter.txt

@@ -1,0 +1,30 @@
+# shellcheck shell=bash
+# The far end answers each line. C reads them from its input, JScript from its arguments.
+
+# shellcheck disable=SC2016 # for the shell that is started
+answers='while IFS= read -r -d $'"'\\r'"' line; do printf "%s is %d long\r\n" "$line" "${#line}"; done'
+
+talk() {
+    start_far_end "$far_tty" bash -c "$answers"
+    if [[ $language == c ]]; then
+        typed=$folder/typed
+        printf '%s\n' "$@" >"$typed"
+        start_sample COM5
+    else
+        start_sample COM5 "$@"
+    fi
+    expect_end host 0
+    for line; do
+        echo "$line is ${#line} long"
+    done | expect_words
+}
+
+no_port() {
+    start_sample COM9 hello
+    end_of host 20
+    # The script's few lines have no word for it: nothing comes, and nothing hangs.
+    ! grep -q "hello" "$folder/host.log" || fail_case "somebody answered"
+}
+
+run_case two-lines talk "hello" "how long is this"
+run_case no-port no_port

@@ -1,0 +1,62 @@
+# shellcheck shell=bash
+# Packets whole, broken, in pieces and one upon the other, and the answers to them.
+
+longest=$(printf 'x%.0s' {1..99})
+
+# packet BODY [SUM]: its bytes
+packet() {
+    local sum=0 i
+    for ((i = 0; i < ${#1}; ++i)); do
+        sum=$((sum + $(printf '%d' "'${1:i:1}")))
+    done
+    printf ':%02d%s' "${#1}" "$1"
+    [[ -z $1 ]] || printf '%s' "${2:-$(printf '%02X' $((sum & 255)))}"
+}
+
+# One after the other: bytes that are sent, and the answers that must have come before the next.
+converse() {
+    local answer all=
+    while (($#)); do
+        printf '%s' "$1"
+        IFS= read -r -t 10 -N "${#2}" answer || true
+        all+=$answer
+        [[ $answer == "$2" ]] || break
+        shift 2
+    done
+    echo "$all" >"$folder/answers"
+    packet ""
+}
+
+speak_packets() {
+    start_sample COM5
+    await "the open port" 20 host_says 'is open'
+    local hello
+    hello=$(packet hello)
+    (
+        exec {wine_lock}>&- <"$far_tty" >"$far_tty"
+        converse "$hello" + "$(packet hello 00)" - "${hello:0:2}" "" "${hello:2:4}" "" "${hello:6}" + \
+            "$hello$(packet "$longest")$(packet again)" +++
+    ) &
+    peer=$!
+    expect_end host 0
+    expect_end peer 0
+    [[ $(<"$folder/answers") == "+-++++" ]] || fail_case "the answers are $(<"$folder/answers")"
+    expect_words <<WORDS
+COM5 is open.
+good hello
+bad  hello
+good hello
+good hello
+good $longest
+good again
+WORDS
+}
+
+no_port() {
+    start_sample COM9
+    expect_end host 1
+    host_says "does not open" || fail_case "the sample doesn't say so"
+}
+
+run_case packets speak_packets
+run_case no-port no_port

@@ -1,0 +1,41 @@
+# shellcheck shell=bash
+# Files to rz and from sz.
+
+sample_sends() {
+    local path
+    path=$(windows_path "$inputs/k20.bin")
+    start_far_end "$far_tty" rz --quiet
+    start_sample COM5 send "$path"
+    expect_end host 0
+    expect_end peer 0
+    compare "$folder/there" k20.bin
+    echo "$path: 20000 bytes." | expect_words
+}
+
+# The name that is given counts, and not the one that sz tells.
+sample_receives() {
+    local path
+    path=$(windows_path "$folder/here/mine.bin")
+    start_far_end "$far_tty" sz --quiet "$inputs/k100.bin"
+    start_sample COM5 receive "$path"
+    expect_end host 0
+    expect_end peer 0
+    as_name=mine.bin compare "$folder/here" k100.bin
+    echo "$path: 100000 bytes." | expect_words
+}
+
+no_file() {
+    start_sample COM5 send "$(windows_path "$folder/here/none")"
+    expect_failure host 20
+}
+
+no_port() {
+    start_sample COM9 send "$(windows_path "$inputs/k3.bin")"
+    expect_end host 1
+    host_says "COM9 does not open: ..*" || fail_case "the sample doesn't say why"
+}
+
+run_case send sample_sends
+run_case receive sample_receives
+run_case no-file no_file
+run_case no-port no_port
