@@ -85,6 +85,7 @@ static int Listen(HWND line, const char* port) {
     }
     SetXferPath(line, folder);
     SetEventHandler(line, OnEvent);
+    SetProtocol(line, TARN_PROTOCOL_ZMODEM);
     SetAutoZModem(line, 1); /* a transfer that the caller starts is received by itself */
     SetAutoProcess(line, TARN_PROCESS_SERIAL);
     printf("%s waits for calls.\n", port);

@@ -33,6 +33,7 @@ class FileDrop {
         comm_->put_CommPort(_variant_t(port));
         comm_->put_Settings(_bstr_t(L"115200,n,8,1"));
         comm_->put_XferPath(_bstr_t(folder_.c_str()));
+        comm_->put_XferProtocol(Protocol_ZModem);
         comm_->put_XferStatusDialog(Dialog_Hidden);
         PortType type = PortType_Unknown;
         comm_->GetPortType(_bstr_t(port), &type);

@@ -20,6 +20,7 @@ internal sealed class FileDrop
         this.folder = folder;
         comm.CommPort = modem;
         comm.XferPath = folder;
+        comm.XferProtocol = XferProtocol.Protocol_ZModem;
         comm.XferStatusDialog = StatusDialog.Dialog_Hidden;
         comm.AutoReceive = true;
         comm.AutoZModem = true; // a transfer that the caller starts is received by itself

@@ -20,9 +20,11 @@ comm.PortOpen = true;
 if (!comm.PortOpen)
     fail(args(0) + " does not open: " + comm.PortStatus);
 
+// The first command has the carrier tell of the call and DTR end it.
+//
 // What is said, and what is awaited then: the first text is hoped for, the others end the script.
 var steps = [
-    {say: "ATZ", await: ["OK"], seconds: 5},
+    {say: "AT&C1&D2", await: ["OK"], seconds: 5},
     {say: "ATDT" + args(1), await: ["CONNECT", "BUSY", "NO CARRIER", "NO DIALTONE", "ERROR"], seconds: 60},
     {await: ["login:", "NO CARRIER"], seconds: 15},
     {say: args(2), await: ["Password:", "NO CARRIER"], seconds: 15},
@@ -47,6 +49,8 @@ WScript.Echo("Logged in as " + args(2) + ".");
 comm.LookUpInputLen = 4096; // what comes ahead of the prompt is kept
 take({say: args(5), await: [prompt, "NO CARRIER"], seconds: 15});
 WScript.Echo(comm.LookUpInput);
-if (!comm.HangUp)
+comm.DTREnable = false;
+comm.Pause = 500; // ms
+if (comm.CDHolding)
     fail("The modem does not hang up.");
 comm.PortOpen = false;

@@ -25,11 +25,15 @@ comm.PortOpen = true; // throws nothing: PortOpen and PortStatus tell
 if (!comm.PortOpen)
     fail(args(0) + " does not open: " + comm.PortStatus);
 
-if (args(1) === "send")
-    comm.Upload = args(2);
-else
-    comm.Download = args(2);
+try {
+    if (args(1) === "send")
+        comm.Upload = args(2);
+    else
+        comm.Download = args(2);
+} catch (error) { // a file that can't be read, or written
+    fail(args(2) + ": " + error.message);
+}
 if (!comm.WaitUntilEndOfTransfer())
     fail("The transfer failed.");
-WScript.Echo(args(2) + ": " + comm.XferTransferred + " bytes.");
+WScript.Echo(args(2) + ": " + new ActiveXObject("Scripting.FileSystemObject").GetFile(args(2)).Size + " bytes.");
 comm.PortOpen = false;

@@ -23,10 +23,9 @@ $comm.PortOpen = $true # raises no error: PortOpen and PortStatus tell
 if (-not $comm.PortOpen) { throw "$Port does not open: $($comm.PortStatus)" }
 
 try {
-    # Upload and Download can only be set: PowerShell sees them all the same.
     if ($Action -eq 'send') { $comm.Upload = $File } else { $comm.Download = $File }
     if (-not $comm.WaitUntilEndOfTransfer()) { throw 'The transfer failed.' }
-    "${File}: $($comm.XferTransferred) bytes."
+    "${File}: $((Get-Item $File).Length) bytes."
 }
 finally {
     $comm.PortOpen = $false

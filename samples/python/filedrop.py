@@ -23,6 +23,7 @@ class FileDrop:
         if comm.GetPortType(modem) != TarnLink.PortType_Modem:
             sys.exit(f"{modem} is no modem of Windows.")
         comm.XferPath = str(self.folder)
+        comm.XferProtocol = TarnLink.Protocol_ZModem
         comm.XferStatusDialog = TarnLink.Dialog_Hidden
         comm.AutoReceive = True
         comm.AutoZModem = True  # a transfer that the caller starts is received by itself

@@ -6,6 +6,7 @@
 A file that is received gets the name that is given here, whatever the far end calls it. Needs comtypes, and the
 registered module of Python's own width.
 """
+import os
 import sys
 
 import comtypes.client
@@ -28,7 +29,7 @@ def transfer(port, action, file):
         comm.Download = file
     if not comm.WaitUntilEndOfTransfer():
         sys.exit("The transfer failed.")
-    print(f"{file}: {comm.XferTransferred} bytes.")
+    print(f"{file}: {os.path.getsize(file)} bytes.")
     comm.PortOpen = False
 
 

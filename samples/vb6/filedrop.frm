@@ -39,6 +39,7 @@ Private Sub Form_Load()
         Exit Sub
     End If
     Comm1.XferPath = folder
+    Comm1.XferProtocol = Protocol_ZModem
     Comm1.XferStatusDialog = Dialog_Hidden
     Comm1.AutoReceive = True
     Comm1.AutoZModem = True ' a transfer that the caller starts is received by itself

@@ -17,7 +17,7 @@ comm.LookUpSeparator = "|"
 comm.PortOpen = True
 If Not comm.PortOpen Then Fail args(0) & " does not open: " & comm.PortStatus
 
-comm.OutputLine = "ATZ"
+comm.OutputLine = "AT&C1&D2" ' the carrier tells of the call, and DTR ends it
 Await "OK", 5
 comm.OutputLine = "ATDT" & args(1)
 Await "CONNECT|BUSY|NO CARRIER|NO DIALTONE|ERROR", 60
@@ -32,17 +32,20 @@ comm.LookUpInputLen = 4096 ' what comes ahead of the prompt is kept
 comm.OutputLine = args(5)
 Await args(4) & "|NO CARRIER", 15
 WScript.Echo comm.LookUpInput
-If Not comm.HangUp Then Fail "The modem does not hang up."
+comm.DTREnable = False
+comm.Pause = 500 ' ms
+If comm.CDHolding Then Fail "The modem does not hang up."
 comm.PortOpen = False
 
 ' LookUp gives the place in LookUpText of what came, from 0, or -1. The first is what all hope is for.
 Sub Await(texts, seconds)
-    Dim found
+    Dim words, found
+    words = Split(texts, "|")
     comm.LookUpText = texts
     comm.LookUpTimeOut = seconds * 1000
     found = comm.LookUp
-    If found > 0 Then Fail "The answer is " & Split(texts, "|")(found) & "."
-    If found < 0 Then Fail "Nobody says " & Split(texts, "|")(0) & "."
+    If found > 0 Then Fail "The answer is " & words(found) & "."
+    If found < 0 Then Fail "Nobody says " & words(0) & "."
 End Sub
 
 Sub Fail(reason)

@@ -21,9 +21,12 @@ comm.XferStatusDialog = NoDialog
 comm.PortOpen = True ' raises no error: PortOpen and PortStatus tell
 If Not comm.PortOpen Then Fail args(0) & " does not open: " & comm.PortStatus
 
+On Error Resume Next ' a file that can't be read, or written, raises an error
 If args(1) = "send" Then comm.Upload = args(2) Else comm.Download = args(2)
+If Err.Number <> 0 Then Fail args(2) & ": " & Err.Description
+On Error Goto 0
 If Not comm.WaitUntilEndOfTransfer Then Fail "The transfer failed."
-WScript.Echo args(2) & ": " & comm.XferTransferred & " bytes."
+WScript.Echo args(2) & ": " & CreateObject("Scripting.FileSystemObject").GetFile(args(2)).Size & " bytes."
 comm.PortOpen = False
 
 Sub Fail(reason)

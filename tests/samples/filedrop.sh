@@ -7,12 +7,12 @@ lay_case=start_modems
 # The files are told by their whole names, each in a transfer of its own; what the far end refuses is the caller's loss.
 call() {
     local word=
-    stty raw -echo
+    stty sane -isig -echo
     printf 'ATE0V1\rATDT%s\r' "$1"
     until [[ $word == CONNECT* ]]; do
-        IFS= read -r -t 30 -d $'\r' word || return
-        word=${word//$'\n'/}
+        IFS= read -r -t 30 word || return
     done
+    stty raw
     export LD_PRELOAD="$wine_build/native/tests/line/\$LIB/libkeepbytes.so"
     for name in "${@:2}"; do
         timeout 30 sz --quiet --full-path -- "$name" || true

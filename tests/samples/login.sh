@@ -21,17 +21,13 @@ modem_answers() {
     [[ $answer == *s0=1* ]]
 }
 
-# log_in STATUS NUMBER PASSWORD: the words are standard input
+# log_in STATUS NUMBER PASSWORD WORDS...: one line for each
 log_in() {
     start_sample COM11 "$2" guest "$3" "far\$ " hello
     expect_end host "$1" 60
-    expect_words
+    printf '%s\n' "${@:4}" | expect_words
 }
 
-run_case guest log_in 0 5551002 tarn <<WORDS
-Logged in as guest.
-hello
-hello: not found
-WORDS
-run_case wrong-password log_in 1 5551002 wrong <<<"The answer is incorrect."
-run_case busy log_in 1 5550100 tarn <<<"The answer is BUSY."
+run_case guest log_in 0 5551002 tarn "Logged in as guest." "hello" "hello: not found"
+run_case wrong-password log_in 1 5551002 wrong "The answer is incorrect."
+run_case busy log_in 1 5550100 tarn "The answer is BUSY."

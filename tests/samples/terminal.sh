@@ -1,11 +1,11 @@
 # shellcheck shell=bash
 # The far end answers each line. C reads them from its input, JScript from its arguments.
 
-# shellcheck disable=SC2016 # for the shell that is started
-answers='while IFS= read -r -d $'"'\\r'"' line; do printf "%s is %d long\r\n" "$line" "${#line}"; done'
+# shellcheck disable=SC2016 # Perl's own variables
+answers='$| = 1; $/ = "\r"; while (<STDIN>) { chomp; printf "%s is %d long\r\n", $_, length }'
 
 talk() {
-    start_far_end "$far_tty" bash -c "$answers"
+    start_far_end "$far_tty" perl -e "$answers"
     if [[ $language == c ]]; then
         typed=$folder/typed
         printf '%s\n' "$@" >"$typed"
