@@ -27,7 +27,7 @@ internal static class Program
         // The keyboard is waited for on another thread; the control belongs to this one.
         using (var messages = new Control())
         {
-            messages.CreateControl();
+            _ = messages.Handle; // which makes its window on this thread
             Task.Run(() =>
             {
                 for (string line; (line = Console.ReadLine()) != null;)

@@ -7,6 +7,8 @@ import re
 class Member:
     """A property or a method. Counts are those of the arguments between the brackets, without a value that is put."""
 
+    type: str = ""  # of the value, as the description calls it; none of a method that gives nothing
+    is_property: bool = False
     readable: bool = False
     writable: bool = False
     fewest: int = 0
@@ -59,6 +61,10 @@ class TypeLibrary:
                 given.pop()
             else:
                 member.readable = True
+            value = re.search(r"\[(?:out, retval|in)\] (\w+) \*?\w+$", arguments.strip())
+            member.is_property |= "prop" in attributes
+            if value and (member.is_property or "retval" in arguments):
+                member.type = value[1]
             member.most = len(given)
             member.fewest = len([each for each in given if "optional" not in each])
         return members
