@@ -46,7 +46,7 @@ static void TakeBody(HWND line, const char* body) {
     Expect(line, headerSize);
 }
 
-/* What comes next may be there already, and then no new byte would tell of it. */
+/* What comes next may be there already: it is taken at once, and needs no event. */
 static void CALLBACK OnEvent(HWND line, int id, int code) {
     char bytes[largestBody + sumSize + 1];
     (void)id;

@@ -45,7 +45,7 @@ class Station {
         comm_->put_InputLen(count);
     }
 
-    // What comes next may be there already, and then no new byte would tell of it.
+    // What comes next may be there already: it is taken at once, and needs no event.
     void OnReceive() {
         for (long waiting = 0; SUCCEEDED(comm_->get_InBufferCount(&waiting)) && waiting >= wanted_;) {
             _variant_t input;

@@ -50,7 +50,7 @@ internal sealed class Station
         comm.InputLen = count;
     }
 
-    // What comes next may be there already, and then no new byte would tell of it.
+    // What comes next may be there already: it is taken at once, and needs no event.
     private void OnReceive()
     {
         while (comm.InBufferCount >= wanted)

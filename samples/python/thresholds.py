@@ -36,7 +36,7 @@ class Station:
         self.comm.InputLen = count
 
     def Receive(self):
-        """The control's event. What comes next may be there already, and then no new byte would tell of it."""
+        """The control's event. What comes next may be there already: it is taken at once, and needs no event."""
         while not self.ended and self.comm.InBufferCount >= self.wanted:
             text = self.comm.Input
             if self.in_body:

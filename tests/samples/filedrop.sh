@@ -2,6 +2,7 @@
 # A caller behind a modem who offers files under names of all kinds.
 
 lay_case=start_modems
+outside=$WINEPREFIX/drive_c/evil.bat # where a hostile caller's file would go
 
 # Its line is standard input and output: call NUMBER NAME...
 # The files are told by their whole names, each in a transfer of its own; what the far end refuses is the caller's loss.
@@ -32,6 +33,7 @@ drop() {
         cp "$inputs/k3.bin" "$folder/there/$name"
     done
     mkdir "$folder/here/drop"
+    rm -f "$outside"
     start_sample COM11 "$(windows_path "$folder/here/drop")\\" "${#kept[@]}"
     await "an open line" 20 host_says 'waits for calls'
     (
@@ -51,6 +53,7 @@ as_kept() {
     for name; do
         cmp --silent "$inputs/k3.bin" "$folder/here/drop/$name" || fail_case "$name is not what was sent"
     done
+    [[ ! -e $outside ]] || fail_case "the caller's path was taken"
     [[ $(find "$folder/here" -type f | wc -l) == $# ]] || fail_case "other files came: $(find "$folder/here" -type f)"
     { echo "COM11 waits for calls."; printf '%s: 3000 bytes.\n' "$@"; } | expect_words
 }

@@ -13,11 +13,13 @@ packet() {
     [[ -z $1 ]] || printf '%s' "${2:-$(printf '%02X' $((sum & 255)))}"
 }
 
-# One after the other: bytes that are sent, and the answers that must have come before the next.
+# One after the other: bytes that are sent, and the answers that must have come before the next. Where none is due, a
+# pause keeps the pieces apart; were it too short, they would come as one and be as right.
 converse() {
     local answer all=
     while (($#)); do
         printf '%s' "$1"
+        [[ $2 ]] || sleep 0.3
         IFS= read -r -t 10 -N "${#2}" answer || true
         all+=$answer
         [[ $answer == "$2" ]] || break
