@@ -43,6 +43,8 @@ enter_prefix() {
     rm -rf "$scratch"
     mkdir "$scratch"
     start_wine {wine_lock}>&- </dev/null >/dev/null 2>&1
+    # A user's classes are there from the start, but under Wine.
+    run_for 0 reg add 'HKCU\Software\Classes' /f >/dev/null
     # Wine's script hosts register what is theirs when they run.
     echo 'WScript.Quit 0' >"$scratch/nothing.vbs"
     for folder in "${system_folders[@]}"; do
