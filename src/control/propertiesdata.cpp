@@ -36,11 +36,6 @@ void PauseBriefly(GrowingPause& pause, const Deadline& deadline) {
     MsgWaitForMultipleObjects(0, nullptr, FALSE, length, QS_SENDMESSAGE);
 }
 
-// False once the object was destroyed, or another one took its place.
-bool Owns(const CTarnCommCtl& control, HWND object) {
-    return control.CommObject() == object && ControlOf(object) == &control;
-}
-
 // The bytes to read, after the wait for as many as the host asked for. None: the object is gone, and the
 // host's messages took it away.
 std::optional<LONG> AwaitInput(CTarnCommCtl& control) {
@@ -52,11 +47,11 @@ std::optional<LONG> AwaitInput(CTarnCommCtl& control) {
     GrowingPause pause(longestPause);
     while (GetInBufferCount(object) < wanted && !deadline.Passed() && !GetShutDown(object)) {
         control.IdleLoop();
-        if (!Owns(control, object))
+        if (!control.Has(object))
             return std::nullopt;
         if (GetInBufferCount(object) < wanted)
             PauseBriefly(pause, deadline);
-        if (!Owns(control, object))
+        if (!control.Has(object))
             return std::nullopt;
     }
     return std::min<LONG>(wanted, GetInBufferCount(object));

@@ -351,14 +351,19 @@ struct FolderCase {
     std::string blocked = {}; // a file where a folder is wanted
 };
 
-class ReceivedFileFolders : public testing::TestWithParam<FolderCase> {};
+class ReceivedFileFolders : public testing::TestWithParam<FolderCase> {
+  protected:
+    ReceivedFileFolders() {
+        receiving.disk.folders.insert(row.present);
+        if (!row.blocked.empty())
+            receiving.disk.files[row.blocked];
+    }
 
-TEST_P(ReceivedFileFolders, AreMadeFromTheSendersName) {
     const FolderCase& row = GetParam();
     Receiving receiving;
-    receiving.disk.folders.insert(row.present);
-    if (!row.blocked.empty())
-        receiving.disk.files[row.blocked];
+};
+
+TEST_P(ReceivedFileFolders, AreMadeFromTheSendersName) {
     EXPECT_EQ(receiving.Header(row.offered), row.result);
     std::vector<std::string> made;
     for (const std::string& entry : receiving.disk.journal)
@@ -371,11 +376,6 @@ TEST_P(ReceivedFileFolders, AreMadeFromTheSendersName) {
 }
 
 TEST_P(ReceivedFileFolders, CallersErrorNumbersStay) {
-    const FolderCase& row = GetParam();
-    Receiving receiving;
-    receiving.disk.folders.insert(row.present);
-    if (!row.blocked.empty())
-        receiving.disk.files[row.blocked];
     errno = EDOM;
     SetLastError(ERROR_BAD_PIPE);
     EXPECT_EQ(receiving.Header(row.offered), row.result);

@@ -3,25 +3,6 @@
 
 lay_case=lay_telephone
 
-lay_telephone() {
-    start_modems
-    TARN_BUILD=$wine_build setsid "$here/../../script/lib/farhost" "$wine_line/a1" "$inputs" guest guest \
-        </dev/null >"$folder/peer.log" 2>&1 {wine_lock}>&- &
-    peer=$!
-    await "the far modem" 10 modem_says 1 state s0=1
-}
-
-# Whether the answer of a modem holds this: modem_says INDEX COMMAND ANSWER
-modem_says() {
-    local port channel answer
-    port=$(<"$wine_line/modems")
-    exec {channel}<>"/dev/tcp/127.0.0.1/$port"
-    echo "$1 $2" >&"$channel"
-    IFS= read -r -t 5 answer <&"$channel" || answer=silence
-    exec {channel}>&-
-    [[ $answer == *"$3"* ]]
-}
-
 # A call by the sample: STATUS "SAYS" ARGUMENT...
 call() {
     (

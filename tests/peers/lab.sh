@@ -55,15 +55,25 @@ make_inputs() {
     ' "$inputs"
 }
 
-# One command to the cable, its answer in $answer.
-line_says() {
-    local port channel
-    port=$(<"$wine_line/control")
-    exec {channel}<>"/dev/tcp/127.0.0.1/$port"
-    echo "$*" >&"$channel"
+# One command to a tool of the line, its answer in $answer: ask_tool control|modems COMMAND...
+ask_tool() {
+    local channel
+    exec {channel}<>"/dev/tcp/127.0.0.1/$(<"$wine_line/$1")"
+    echo "${*:2}" >&"$channel"
     IFS= read -r -t 5 answer <&"$channel" || answer=silence
     exec {channel}>&-
+}
+
+line_says() {
+    ask_tool control "$@"
     [[ $answer == ok* ]] || fail_case "the cable answers \"$answer\" to \"$*\""
+}
+
+# Whether the answer of a modem holds this: modem_says INDEX COMMAND ANSWER
+modem_says() {
+    local answer
+    ask_tool modems "$1" "$2"
+    [[ $answer == *"$3"* ]]
 }
 
 # ---- A case ----
@@ -74,6 +84,16 @@ lay_cable() {
     stty -F "$far_tty" raw -echo
 }
 
+# Fresh modems, and behind one of them a computer where guest logs in with the password. Ready when it answers calls.
+lay_telephone() {
+    start_modems
+    TARN_BUILD=$wine_build setsid "$wine_root/script/lib/farhost" "$wine_line/a1" "$inputs" guest "$far_password" \
+        </dev/null >"$folder/peer.log" 2>&1 {wine_lock}>&- &
+    peer=$!
+    await "the far modem" 10 modem_says 1 state s0=1
+}
+
+far_password=guest
 lay_case=lay_cable # what each case begins with
 
 # Runs a case by itself, so that what fails in it ends it and no more: run_case NAME COMMAND...

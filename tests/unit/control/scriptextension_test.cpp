@@ -18,13 +18,17 @@ class ScriptExtensionTest : public LineTest {
     void SetUp() override {
         LineTest::SetUp();
         CoInitialize(nullptr);
-        ASSERT_EQ(NewObject(control), S_OK);
-        ASSERT_EQ(control->get_ScriptExtension(&script), S_OK);
+        MakeControl();
     }
     void TearDown() override {
         script.Reset();
         control.Reset();
         CoUninitialize();
+    }
+
+    void MakeControl() {
+        ASSERT_EQ(NewObject(control), S_OK);
+        ASSERT_EQ(control->get_ScriptExtension(&script), S_OK);
     }
 
     void Open() {
@@ -35,6 +39,12 @@ class ScriptExtensionTest : public LineTest {
         VARIANT_BOOL open = VARIANT_FALSE;
         control->get_PortOpen(&open);
         ASSERT_EQ(open, VARIANT_TRUE);
+    }
+
+    void MakeControlThatWaits() {
+        ASSERT_NO_FATAL_FAILURE(MakeControl());
+        Open();
+        control->put_InTimeOut(30000);
     }
 
     std::wstring WaitFor(std::vector<_variant_t> texts) {
@@ -278,10 +288,7 @@ constexpr ScriptWait scriptWaits[] = {
 TEST_F(ScriptExtensionTest, WaitsEndWithTheObject) {
     for (const ScriptWait& row : scriptWaits) {
         SCOPED_TRACE(row.name);
-        ASSERT_EQ(NewObject(control), S_OK);
-        ASSERT_EQ(control->get_ScriptExtension(&script), S_OK);
-        Open();
-        control->put_InTimeOut(30000);
+        ASSERT_NO_FATAL_FAILURE(MakeControlThatWaits());
         const auto close = After(50, [&] { DestroyWindow(control->CommObject()); });
         const Clock clock;
         BSTR came = nullptr;
@@ -298,10 +305,7 @@ TEST_F(ScriptExtensionTest, WaitsEndWithTheObject) {
 TEST_F(ScriptExtensionTest, ControlAndScriptMayBeReleasedMeanwhile) {
     for (const ScriptWait& row : scriptWaits) {
         SCOPED_TRACE(row.name);
-        ASSERT_EQ(NewObject(control), S_OK);
-        ASSERT_EQ(control->get_ScriptExtension(&script), S_OK);
-        Open();
-        control->put_InTimeOut(30000);
+        ASSERT_NO_FATAL_FAILURE(MakeControlThatWaits());
         const HWND object = control->CommObject();
         IScriptExtension* const borrowed = script.Get();
         bool outlived = false;
