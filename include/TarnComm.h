@@ -149,7 +149,8 @@ extern "C" {
 typedef struct COMCTL COMCTL;
 #endif
 
-/* object: the comm object; id: its control identifier; code: an event code. */
+/* What SetEventHandler and SetIdleLoop take. object: the comm object; id: its control identifier; code: an
+ * event code. */
 typedef void(TARNAPI* TarnEventHandler)(HWND object, int id, int code);
 typedef void(TARNAPI* TarnIdleHandler)(void);
 
@@ -201,7 +202,7 @@ TARN_IMPORT HANDLE TARNAPI GetCommID(HWND hWnd);
 TARN_IMPORT int TARNAPI SetSettings(HWND hWnd, const char* szSettings);
 
 /* Writes the settings in the same form (speed 0 as empty text) into a buffer of TARN_SETTINGS_TEXT_SIZE bytes
- * and returns the length of the text. */
+ * and returns the length of the text. GetSettingsBaud returns the speed alone, in bits per second. */
 TARN_IMPORT int TARNAPI GetSettings(HWND hWnd, char* szBuffer);
 TARN_IMPORT LONG TARNAPI GetSettingsBaud(HWND hWnd);
 
@@ -209,9 +210,11 @@ TARN_IMPORT LONG TARNAPI GetSettingsBaud(HWND hWnd);
 TARN_IMPORT int TARNAPI PortSettingsDialog(HWND hWnd, HWND hParent);
 TARN_IMPORT INT_PTR TARNAPI PortSettingsDialogProc(HWND hDialog, UINT message, WPARAM wParam, LPARAM lParam);
 
-/* Signals. The setters store what is wanted and apply it to an open port. GetDTR and GetRTS return what was
- * stored; GetCTS, GetDSR and GetCarrier ask the line, and are 0 while the port is closed. SetBreak starts and
- * ends a break; GetBreak tells whether the device reports incoming breaks, not whether one is being sent. */
+/* Signals: data terminal ready, request to send, break, clear to send, data set ready, carrier; 0 is off and
+ * everything else on. The setters store what is wanted and apply it to an open port. GetDTR and GetRTS return
+ * what was stored; GetCTS, GetDSR and GetCarrier ask the line, and are 0 while the port is closed. SetBreak
+ * starts and ends a break; GetBreak tells whether the device reports incoming breaks, not whether one is
+ * being sent. */
 TARN_IMPORT void TARNAPI SetDTR(HWND hWnd, int bDTR);
 TARN_IMPORT int TARNAPI GetDTR(HWND hWnd);
 TARN_IMPORT void TARNAPI SetRTS(HWND hWnd, int bRTS);
@@ -316,6 +319,8 @@ TARN_IMPORT DWORD TARNAPI CreateTimer(DWORD lTime);
 
 /* ---- Events and waits ---------------------------------------------------------------------------------- */
 
+/* Where events go: to a function, to a window as WM_COMMAND, else to the parent or the control that owns the
+ * object. The handler wins over the window; NULL takes either away. "Events" above tells what they carry. */
 TARN_IMPORT void TARNAPI SetEventHandler(HWND hWnd, TarnEventHandler lpfnEventHandler);
 TARN_IMPORT void TARNAPI SetEventWindow(HWND hWnd, HWND hEventWindow);
 
@@ -604,7 +609,8 @@ TARN_IMPORT int TARNAPI GetDestFilenameLength(HWND hWnd);
 /* At TARN_TRANSFER_PREPARE: another name for the file, to be received as or to be told to the receiver. */
 TARN_IMPORT void TARNAPI SetDestFilename(HWND hWnd, const char* szName);
 
-/* Give 0. */
+/* Kept for programs that call them: both return 0 and write nothing. GetSourceFilename and GetDestFilename
+ * give the names. */
 TARN_IMPORT int TARNAPI GetTransferFilename(HWND hWnd, char* szName, int cbName);
 TARN_IMPORT int TARNAPI GetTransferFilenameLength(HWND hWnd);
 
