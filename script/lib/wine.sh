@@ -26,6 +26,12 @@ windows_path() {
     printf '%s' "${path//\//\\}"
 }
 
+# What starts Wine's own programs in a width: `wine` takes the 32-bit one even where C:\windows\system32 is named.
+# wine_loader x86|x64
+wine_loader() {
+    [[ $1 == x64 ]] && echo /usr/lib/wine/wine64 || echo wine
+}
+
 # Rows of "COM number, path". COM1 to COM4 may be real ports of this machine and stay untouched.
 list_ports() {
     local pair

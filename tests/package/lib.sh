@@ -47,8 +47,8 @@ enter_prefix() {
     run_for 0 reg add 'HKCU\Software\Classes' /f >/dev/null
     # Wine's script hosts register what is theirs when they run.
     echo 'WScript.Quit 0' >"$scratch/nothing.vbs"
-    for folder in "${system_folders[@]}"; do
-        run_for 0 "$folder\\cscript.exe" //nologo 'C:\try\nothing.vbs'
+    for arch in "${!system_folders[@]}"; do
+        run_script "$arch" nothing.vbs
     done
 }
 
@@ -61,7 +61,7 @@ leave_prefix() {
 }
 
 run() {
-    timeout "$limit" wine "$@" {wine_lock}>&- </dev/null
+    timeout "$limit" "${loader:-wine}" "$@" {wine_lock}>&- </dev/null
 }
 
 # Runs it and prints what it says; its result has to be the one given: run_for RESULT COMMAND...
@@ -70,6 +70,13 @@ run_for() {
     shift
     run "$@" 2>&1 | tr -d '\r' || result=$?
     ((result == wanted)) || die "$* ended with $result, not $wanted"
+}
+
+# By the script host of a width, which wants to end well: run_script ARCH NAME, of a file in C:\try
+run_script() {
+    local loader
+    loader=$(wine_loader "$1")
+    run_for 0 "${system_folders[$1]}\\cscript.exe" //nologo "C:\\try\\$2"
 }
 
 # The installer's folder may hold spaces and has no quotes, as only a command line of its own can have it:
