@@ -531,8 +531,8 @@ TARN_IMPORT int TARNAPI SetWireTapTransfer(HWND hWnd, int bWireTapTransfer);
  *
  * Names from the line. The other side chooses the name of a file that is received. A name without "\" goes
  * into the folder of SetXferPath; a name with one is taken as it stands, and so is "/" in it. The sender of a
- * name with ".." in it or "/" or "\" in front is sent a cancel, but the file still begins: the host has the
- * last word. At TARN_TRANSFER_PREPARE, GetSourceFilename gives the offered name, joined to the folder; a host
+ * name with ".." in it or "/" or "\" in front is sent a cancel (Kermit looks at no name), but the file still
+ * begins: the host has the last word. At TARN_TRANSFER_PREPARE, GetSourceFilename gives the offered name, joined to the folder; a host
  * that doesn't trust the far end takes its last part, or a name of its own, and sets it by SetDestFilename,
  * or calls AbortTransfer. samples/flat/transfer.cpp does so. */
 
@@ -606,7 +606,8 @@ TARN_IMPORT int TARNAPI GetSourceFilenameLength(HWND hWnd);
 TARN_IMPORT int TARNAPI GetDestFilename(HWND hWnd, char* szName, int cbName);
 TARN_IMPORT int TARNAPI GetDestFilenameLength(HWND hWnd);
 
-/* At TARN_TRANSFER_PREPARE: another name for the file, to be received as or to be told to the receiver. */
+/* At TARN_TRANSFER_PREPARE: another name for the file, to be received as or to be told to the receiver, which
+ * Kermit doesn't. */
 TARN_IMPORT void TARNAPI SetDestFilename(HWND hWnd, const char* szName);
 
 /* Kept for programs that call them: both return 0 and write nothing. GetSourceFilename and GetDestFilename
