@@ -48,11 +48,10 @@ constexpr ClassRowTemplate classRows[] = {
     {Rule::Control, L"<progId>.<version>\\Insertable", L"", L""},
 };
 
-constexpr ClassRowTemplate classTrees[] = {
-    {Rule::Every, L"CLSID\\<id>", L"", L""},
-    {Rule::Named, L"<progId>", L"", L""},
-    {Rule::Named, L"<progId>.<version>", L"", L""},
-};
+constexpr const wchar_t* classTree = L"CLSID\\<id>";
+
+// Both widths have these keys in common, as they have the type library's, whose last file they go with.
+constexpr const wchar_t* sharedClassTrees[] = {L"<progId>", L"<progId>.<version>"};
 
 using Words = std::vector<std::pair<std::wstring, std::wstring>>;
 
@@ -109,10 +108,16 @@ void AddClass(RegistryRows& rows, const ModuleRegistration& module, const Coclas
         if (Applies(row.rule, coclass))
             rows.values.push_back({Filled(row.key, words), row.name, Filled(row.value, words)});
     }
-    for (const ClassRowTemplate& tree : classTrees) {
-        if (Applies(tree.rule, coclass))
-            rows.trees.push_back(Filled(tree.key, words));
-    }
+    rows.trees.push_back(Filled(classTree, words));
+}
+
+void AddSharedTrees(RegistryRows& rows, const ModuleRegistration& module,
+                    const CoclassRegistration& coclass) {
+    if (!Applies(Rule::Named, coclass))
+        return;
+    const Words words = WordsOf(module, coclass);
+    for (const wchar_t* tree : sharedClassTrees)
+        rows.shared.push_back({rows.shared.front().holders, Filled(tree, words)});
 }
 
 bool Exists(HKEY classes, const std::wstring& path) {
@@ -176,6 +181,8 @@ RegistryRows RowsOf(const ModuleRegistration& module) {
     for (const CoclassRegistration& coclass : module.classes)
         AddClass(rows, module, coclass);
     AddTypeLibrary(rows, module);
+    for (const CoclassRegistration& coclass : module.classes)
+        AddSharedTrees(rows, module, coclass);
     return rows;
 }
 

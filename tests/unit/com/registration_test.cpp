@@ -182,7 +182,7 @@ TEST_F(ComRegistration, RemovalLeavesNoKeyOfOursAndTheOthersAlone) {
     EXPECT_EQ(CountKeys(machine.Key()), before);
 }
 
-TEST_F(ComRegistration, OtherWidthKeepsTheSharedLibraryKey) {
+TEST_F(ComRegistration, OtherWidthKeepsTheSharedKeys) {
     ASSERT_EQ(RegisterModule(module), S_OK);
     const std::wstring language = std::wstring(L"TypeLib\\") + library + L"\\1.0\\0";
     const std::wstring other =
@@ -194,6 +194,8 @@ TEST_F(ComRegistration, OtherWidthKeepsTheSharedLibraryKey) {
     EXPECT_EQ(ValueOf(machine.Key(), std::wstring(L"TypeLib\\") + library + L"\\1.0"),
               L"Toy 1.0 Type Library");
     EXPECT_EQ(ValueOf(machine.Key(), std::wstring(L"CLSID\\") + id), L"(none)");
+    EXPECT_EQ(ValueOf(machine.Key(), L"Tests.Toy\\CLSID"), id);
+    EXPECT_EQ(ValueOf(machine.Key(), L"Tests.Toy.1\\CLSID"), id);
 }
 
 TEST_F(ComRegistration, MachineThatRefusesMeansTheUser) {
