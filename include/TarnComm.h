@@ -532,9 +532,9 @@ TARN_IMPORT int TARNAPI SetWireTapTransfer(HWND hWnd, int bWireTapTransfer);
  * Names from the line. The other side chooses the name of a file that is received. A name without "\" goes
  * into the folder of SetXferPath; a name with one is taken as it stands, and so is "/" in it. The sender of a
  * name with ".." in it or "/" or "\" in front is sent a cancel (Kermit looks at no name), but the file still
- * begins: the host has the last word. At TARN_TRANSFER_PREPARE, GetSourceFilename gives the offered name, joined to the folder; a host
- * that doesn't trust the far end takes its last part, or a name of its own, and sets it by SetDestFilename,
- * or calls AbortTransfer. samples/flat/transfer.cpp does so. */
+ * begins: the host has the last word. At TARN_TRANSFER_PREPARE, GetSourceFilename gives the offered name,
+ * joined to the folder; a host that doesn't trust the far end takes its last part, or a name of its own, and
+ * sets it by SetDestFilename, or calls AbortTransfer. samples/flat/transfer.cpp does so. */
 
 /* Protocols, for SetProtocol. Any other number fails. */
 #define TARN_PROTOCOL_XMODEM 0 /* 128-byte blocks with a checksum */
