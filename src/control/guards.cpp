@@ -1,10 +1,12 @@
 #include "guards.h"
+#include "core/deadline.h"
 
 #include <cstdio>
 
 namespace {
 
 constexpr size_t messageSize = 256;
+constexpr DWORD longestTurn = 50; // ms
 
 } // namespace
 
@@ -39,14 +41,16 @@ HRESULT CTarnCommCtl::ReportError(HRESULT code, const char* message) const {
     return ReportFailure(code, L"TarnLink.TarnComm", message);
 }
 
+// Windows that always have a message more must not keep a wait from its limit.
 void CTarnCommCtl::IdleLoop() {
+    const Deadline turn(longestTurn);
     MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    while (!turn.Passed() && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam)); // the host's own loop still sees it
             return;
         }
         TranslateMessage(&message);
-        DispatchMessageA(&message);
+        DispatchMessageW(&message);
     }
 }

@@ -12,6 +12,7 @@ namespace {
 // no monitor, and a monitor inside its own tick hears nothing), so their waits look again after this many ms.
 constexpr DWORD inputPoll = 5;
 constexpr DWORD outputPoll = 2;
+constexpr DWORD longestTurn = 50; // ms
 
 // Counts a running idle loop in the record, and takes it back if the object still stands.
 class BusyCount {
@@ -35,10 +36,12 @@ void ServeSentMessages() {
     PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
 }
 
-// True if the queue is empty now, so that the next message is worth waking for.
+// True if the next message is worth waking for. Windows that always have a message more must not keep a wait
+// from its limit. The wide functions, as the host's windows may be of that kind.
 bool PumpMessages(const COMCTL& record, const ObjectWatch& watch) {
+    const Deadline turn(longestTurn);
     MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    while (!turn.Passed() && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));
             return false;
@@ -46,7 +49,7 @@ bool PumpMessages(const COMCTL& record, const ObjectWatch& watch) {
         if (watch.Gone() || record.bShutDown)
             return false;
         TranslateMessage(&message);
-        DispatchMessageA(&message);
+        DispatchMessageW(&message);
         if (watch.Gone() || record.bShutDown)
             return false;
     }

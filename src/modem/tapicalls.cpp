@@ -305,14 +305,14 @@ CTapiApp::Pumped CTapiApp::PumpMessages(const Life& watch, DWORD dial) const {
     const Deadline turn(pumpPause);
     MSG message;
     while (IsWaiting(dial) && !turn.Passed()) {
-        const bool isOne = PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;
+        const bool isOne = PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;
         if (isOne && message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));
             return watch.expired() ? Pumped::Gone : Pumped::Quit;
         }
         if (isOne) {
             TranslateMessage(&message);
-            DispatchMessageA(&message);
+            DispatchMessageW(&message);
         }
         if (watch.expired())
             return Pumped::Gone;

@@ -72,4 +72,12 @@ inline std::unique_ptr<Every> When(std::function<bool()> condition, std::functio
         });
 }
 
+// For three seconds the thread always has a message more.
+inline std::unique_ptr<Every> Restless() {
+    return std::make_unique<Every>(10, [clock = Clock()] {
+        if (clock.Gone() < 3000)
+            Sleep(20);
+    });
+}
+
 } // namespace host

@@ -242,6 +242,16 @@ TEST_F(DataProperties, InputWaitsNoLongerThanItsTime) {
     EXPECT_EQ(BytesOf(Input()), "");
 }
 
+TEST_F(DataProperties, InputEndsThoughThereIsAlwaysAMessageMore) {
+    OpenWith("abc");
+    control->put_InputLen(6);
+    control->put_InTimeOut(200);
+    const host::Clock clock;
+    const auto restless = host::Restless();
+    EXPECT_EQ(BytesOf(Input()), "abc");
+    EXPECT_LT(clock.Gone(), 1500u);
+}
+
 TEST_F(DataProperties, LineInputReadsALine) {
     LogProperties();
     control->put_InTimeOut(1000);

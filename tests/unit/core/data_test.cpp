@@ -1,4 +1,5 @@
 // Bytes out and in on the virtual line, and the waits.
+#include "support/every.h"
 #include "support/line.h"
 
 #include "core/comctl.h"
@@ -286,6 +287,37 @@ TEST_F(Data, PauseRunsTheMessagesOfTheThread) {
     ComPause(object, 100);
     KillTimer(nullptr, timer);
     EXPECT_TRUE(timerRan);
+}
+
+TEST_F(Data, PauseEndsThoughThereIsAlwaysAMessageMore) {
+    const auto restless = host::Restless();
+    const host::Clock clock;
+    ComPause(object, 200);
+    EXPECT_LT(clock.Gone(), 1500u);
+}
+
+WPARAM typed;
+
+LRESULT CALLBACK TakeTyped(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_CHAR)
+        typed = wParam;
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+TEST_F(Data, PauseLeavesTheHostsWideCharactersWhole) {
+    constexpr WPARAM sha = 0x0428; // a letter that few code pages of the system have
+    WNDCLASSW wide = {};
+    wide.lpfnWndProc = TakeTyped;
+    wide.lpszClassName = L"HostOfWideCharacters";
+    ASSERT_TRUE(RegisterClassW(&wide));
+    const HWND window =
+        CreateWindowW(wide.lpszClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    typed = 0;
+    PostMessageW(window, WM_CHAR, sha, 1);
+    ComPause(object, 50);
+    EXPECT_EQ(typed, sha);
+    DestroyWindow(window);
+    UnregisterClassW(wide.lpszClassName, nullptr);
 }
 
 HWND victim;
