@@ -67,10 +67,12 @@ ULONG CTarnCommCtl::References() {
     return Release();
 }
 
-// A control without a window doesn't see its host leave: it has gone when a reference was given back that was
-// there when the dial began.
+// A host that leaves takes the window of a shown control, and the comm object with it. Of a control without
+// one it gives back a reference that was there when the dial began.
 bool CTarnCommCtl::WantsCall() const {
     const HWND object = CommObject();
     CTarnCommCtl* self = ControlOf(object);
-    return self == this && !GetShutDown(object) && self->References() >= m_nDialReferences;
+    if (self != this || GetShutDown(object))
+        return false;
+    return m_hWndComm || self->References() >= m_nDialReferences;
 }

@@ -70,6 +70,23 @@ TEST_P(ControlDialSurvival, InTheCarrierEventOfTheConnection) {
     }
 }
 
+// On its form it stays, whoever else had it.
+TEST_F(DialTest, AShownControlsDialGoesOnWhenAReferenceIsGivenBack) {
+    StartAtAlpha()->put_DialStatusDialog(Dialog_Hidden);
+    phone->Show();
+    bool goesOn = false;
+    std::unique_ptr<host::Every> later;
+    const auto watch = WhenItRings([&] {
+        phone->ear.Disconnect();
+        later = host::After(300, [&] {
+            goesOn = phone->Status() == std::string("Dialing ") + rings;
+            phone->Is(&ITarnComm::get_HangUp);
+        });
+    });
+    phone->Dial(rings);
+    EXPECT_TRUE(goesOn);
+}
+
 INSTANTIATE_TEST_SUITE_P(Deeds, ControlDialSurvival, testing::ValuesIn(deeds));
 
 } // namespace
