@@ -168,6 +168,9 @@ class OleControl : public IOleObject,
 
     IOleClientSite* ClientSite() const { return clientSite_.Get(); }
 
+    // To the container. The window's own focus is told by the base, that of its children by the control.
+    void TellFocus(bool got);
+
   private:
     friend class ControlWindow;
     template <class Interface>
@@ -190,7 +193,6 @@ class OleControl : public IOleObject,
     HRESULT ShowOwnFrame(HWND parent, LPCRECT position);
     HRESULT Connect(REFIID iid, IUnknown* sink, DWORD& cookie);
     bool FocusIsInside() const;
-    void TellFocus(bool got);
     LRESULT AnswerWindow(UINT message, WPARAM wParam, LPARAM lParam);
     void TellContainer(UINT message, WPARAM wParam);
     void PaintWindow();

@@ -44,6 +44,12 @@ void PlaceBar(HWND bar, const RECT& place, bool visible) {
                  SWP_NOZORDER | SWP_NOACTIVATE | shown);
 }
 
+// The host's loop makes no character of a key that is dealt with.
+void PostCharacterOf(MSG key, HWND window) {
+    key.hwnd = window;
+    TranslateMessage(&key);
+}
+
 } // namespace
 
 CTarnCommCtl::CTarnCommCtl() : m_Tapi(*this) {
@@ -297,6 +303,8 @@ bool CTarnCommCtl::OnTranslateAccelerator(MSG& message) {
     const bool isOurs = message.wParam == VK_TAB || (message.wParam >= VK_LEFT && message.wParam <= VK_DOWN);
     if (!isKey || !isOurs || !m_hWndComm)
         return false;
+    if (kind == WM_KEYDOWN && message.wParam == VK_TAB)
+        PostCharacterOf(message, m_hWndComm);
     SendMessageA(m_hWndComm, message.message, message.wParam, message.lParam);
     return true;
 }

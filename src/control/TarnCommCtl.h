@@ -347,6 +347,7 @@ class CTarnCommCtl final
     void TakeCallDevice(HANDLE hComm);
     ULONG References();
 
+    void TellFocusAcross(bool got, HWND other);
     // Messages of the comm object's window, before it has them. True: answered by result.
     bool OnCommWindowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
     static LRESULT CALLBACK CommWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,

@@ -232,8 +232,17 @@ constexpr MessageRow messages[] = {
 
 } // namespace
 
+// The focus comes from outside of the control's window, or goes there.
+void CTarnCommCtl::TellFocusAcross(bool got, HWND other) {
+    const bool isInside = other && (other == Window() || IsChild(Window(), other));
+    if (Window() && !isInside)
+        TellFocus(got);
+}
+
 // The window answers WM_GETDLGCODE itself: it wants arrows, tab and all keys.
 bool CTarnCommCtl::OnCommWindowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    if (message == WM_SETFOCUS || message == WM_KILLFOCUS)
+        TellFocusAcross(message == WM_SETFOCUS, reinterpret_cast<HWND>(wParam));
     for (const MessageRow& row : messages) {
         if (row.id != message)
             continue;

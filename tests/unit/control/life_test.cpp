@@ -193,6 +193,30 @@ TEST_F(ControlLife, TheTerminalHasTheFocusAndItsKeys) {
     EXPECT_EQ(ear.heard, Lines{});
 }
 
+TEST_F(ControlLife, TabGoesToTheLine) {
+    host::FarEnd peer;
+    ASSERT_EQ(container.Do(OLEIVERB_SHOW), S_OK);
+    Open();
+    MSG tab = {Object(), WM_KEYDOWN, VK_TAB, 1, 0, {}};
+    ASSERT_EQ(control->TranslateAccelerator(&tab), S_OK) << "the host's loop makes no character of it";
+    EXPECT_TRUE(host::PumpUntil([&] { return ear.Count("KeyPress 9") == 1; }));
+    EXPECT_EQ(peer.Read(1), "\t");
+}
+
+TEST_F(ControlLife, FocusThatTheTerminalLosesAndGetsIsTold) {
+    ASSERT_EQ(container.Do(OLEIVERB_SHOW), S_OK);
+    ASSERT_EQ(GetFocus(), Object());
+    container.calls.clear();
+    SetFocus(container.window);
+    EXPECT_TRUE(container.Saw("OnFocus lost"));
+    EXPECT_FALSE(container.Saw("OnFocus"));
+    container.calls.clear();
+    SetFocus(Object());
+    EXPECT_TRUE(container.Saw("OnFocus"));
+    EXPECT_FALSE(container.Saw("OnFocus lost"));
+    EXPECT_EQ(GetFocus(), Object());
+}
+
 struct AppliedRow {
     const char* name;
     void (*set)(ControlProperties& cached);
