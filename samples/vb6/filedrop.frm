@@ -24,11 +24,16 @@ Begin VB.Form FileDrop
    End
 End
 Attribute VB_Name = "FileDrop"
+Attribute VB_GlobalNameSpace = False
+Attribute VB_Creatable = False
+Attribute VB_PredeclaredId = True
+Attribute VB_Exposed = False
 ' A file drop: answers calls, and keeps the files that callers send by ZModem. The command line is the name of the modem,
 ' as Windows calls it; the files go into the folder "incoming" beside the program.
 Option Explicit
 
 Private folder As String
+Private current As String ' name of the file under way
 
 Private Sub Form_Load()
     folder = App.Path & "\incoming"
@@ -43,7 +48,8 @@ Private Sub Form_Load()
     Comm1.XferStatusDialog = Dialog_Hidden
     Comm1.AutoReceive = True
     Comm1.AutoZModem = True ' a transfer that the caller starts is received by itself
-    Comm1.AnswerCalls = True
+    Comm1.AnswerCalls = True ' raises no error: what is read back tells
+    If Not Comm1.AnswerCalls Then MsgBox Command$ & " does not answer calls."
 End Sub
 
 Private Sub Comm1_NewConnection()
@@ -52,28 +58,29 @@ End Sub
 
 ' The last moment in which the name can be changed; the file isn't made yet.
 Private Sub Comm1_PrepareFile()
-    Comm1.XferDestFilename = PlainName(Comm1.XferSourceFilename)
+    current = PlainName(Comm1.XferSourceFilename)
+    Comm1.XferDestFilename = current
 End Sub
 
 Private Sub Comm1_FinishFile()
-    Files.AddItem Now & " " & Comm1.XferDestFilename & ": " & Comm1.XferTransferred & " bytes"
+    Files.AddItem Now & " " & current & ": " & Comm1.XferTransferred & " bytes"
 End Sub
 
 Private Sub Comm1_AbortFile()
-    Files.AddItem Now & " " & Comm1.XferDestFilename & " is not whole."
+    Files.AddItem Now & " " & current & " is not whole."
 End Sub
 
 ' The caller chooses the name that it offers, and a hostile one may point anywhere: "..\start.bat", "C:\autoexec.bat",
 ' "nul". Of the offered name only the last part is used, of that only plain characters, and behind a number: no device
 ' has such a name, and no file that is there already is written over.
 Private Function PlainName(offered As String) As String
-    Dim last As String, each As String, place As Long, number As Long
+    Dim last As String, letter As String, place As Long, number As Long
     For place = 1 To Len(offered)
-        each = Mid$(offered, place, 1)
-        If InStr("/\:", each) > 0 Then
+        letter = Mid$(offered, place, 1)
+        If InStr("/\:", letter) > 0 Then
             last = ""
-        ElseIf each Like "[A-Za-z0-9._-]" Then
-            last = last & each
+        ElseIf letter Like "[A-Za-z0-9._-]" Then
+            last = last & letter
         Else
             last = last & "_"
         End If

@@ -17,6 +17,10 @@ Begin VB.Form Terminal
    End
 End
 Attribute VB_Name = "Terminal"
+Attribute VB_GlobalNameSpace = False
+Attribute VB_Creatable = False
+Attribute VB_PredeclaredId = True
+Attribute VB_Exposed = False
 ' A terminal: the control does all of it, on a form that is as large as it wants to be. The program's command line is the
 ' port, as in: terminal.exe COM1
 Option Explicit
@@ -36,9 +40,9 @@ Private Sub Form_Resize()
     If WindowState <> vbMinimized Then Comm1.Move 0, 0, ScaleWidth, ScaleHeight
 End Sub
 
-' A call that waits, or a transfer, comes to its end first.
+' A wait comes to its end first, and so does a transfer of the toolbar, which nobody waits for.
 Private Sub Form_QueryUnload(Cancel As Integer, UnloadMode As Integer)
-    If Not Comm1.Busy Then Exit Sub
+    If Not Comm1.Busy And Comm1.XferStatus <= TransferStatus_Success Then Exit Sub
     Comm1.AbortTransfer = True
     Comm1.ShutDown = True
     Cancel = True

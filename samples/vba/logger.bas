@@ -30,10 +30,12 @@ Private comm As Long
 
 Private sheet As Worksheet
 Private nextLook As Date
+Private stopping As Boolean
 
 Public Sub StartLogging()
     Dim reason As String
     If comm <> 0 Then Exit Sub
+    stopping = False
     Set sheet = ActiveSheet
     reason = String$(128, vbNullChar) ' which SetPortOpen fills
     comm = CreateCommObject(0)
@@ -48,22 +50,27 @@ Public Sub StartLogging()
     LookForLines
 End Sub
 
+' While LookForLines waits for a line, the object is not to be destroyed; then it stops by itself behind the line.
 Public Sub StopLogging()
+    stopping = True
     On Error Resume Next ' there may be no look to take back
     Application.OnTime nextLook, "LookForLines", , False
-    DestroyCommObject comm
-    comm = 0
+    If DestroyCommObject(comm) <> 0 Then comm = 0
 End Sub
 
 ' Excel calls it each second, and is free for its user between.
 Public Sub LookForLines()
     Dim reading As String, length As Long
     If comm = 0 Then Exit Sub
-    Do While GetInBufferCount(comm) > 0
+    Do While GetInBufferCount(comm) > 0 And Not stopping
         reading = String$(128, vbNullChar)
         length = GetLineInput(comm, reading, 128)
         If length > 0 Then AddRow Left$(reading, length)
     Loop
+    If stopping Then
+        StopLogging
+        Exit Sub
+    End If
     nextLook = Now + TimeSerial(0, 0, 1)
     Application.OnTime nextLook, "LookForLines"
 End Sub
@@ -72,6 +79,7 @@ Private Sub AddRow(reading As String)
     With sheet.Cells(sheet.Rows.Count, 1).End(xlUp).Offset(1)
         .Value = Now
         .NumberFormat = "yyyy-mm-dd hh:mm:ss"
-        .Offset(, 1).Value = reading
+        ' A number, or a text as it is: one that begins with "=" shall be no formula.
+        .Offset(, 1).Value = IIf(IsNumeric(reading), "", "'") & reading
     End With
 End Sub

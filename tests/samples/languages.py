@@ -4,6 +4,12 @@ import re
 EXTENDER = {"Move"}  # what a form adds to the control
 PROGRAM_NAME = "TarnLink.TarnComm"
 
+# Words that Visual Basic takes for no name
+BASIC_RESERVED = set(
+    "and as call case close const declare dim do each else end enum event exit for function get global goto if in input is"
+    " len let like loop me mod new next not nothing null on open option or print private public put resume select set"
+    " static step stop sub then to type until wend while with write xor".split())
+
 # Numbers that scripts without the type library give names of their own.
 OWN_NAMES = {"zmodem": "Protocol_ZModem", "nodialog": "Dialog_Hidden"}
 
@@ -121,6 +127,12 @@ def wrong_python_handlers(code, library):
         given = arguments.count(",")
         if library.events.get(name) != given:
             yield f"there is no event {name} with {given} arguments"
+
+
+def wrong_basic_names(code):
+    for name in re.findall(r"\b(\w+) As\b", code):
+        if name.lower() in BASIC_RESERVED:
+            yield f"{name} is a word of the language"
 
 
 def wrong_forms(text, library):
