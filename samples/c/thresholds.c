@@ -2,14 +2,14 @@
  *
  *     c-thresholds PORT
  *
- * The far end sends packets: ":", the body's length in two digits, the body, and the low byte of the sum of
- * the body's bytes in two hexadecimal digits. Each is answered by "+" if its sum is right and by "-" if it
- * isn't. An empty body ends the program.
+ * The far end sends packets: ":", the body's length in two digits, the body, in plain ASCII, and the low byte
+ * of the sum of the body's bytes in two hexadecimal digits. Each is answered by "+" if its sum is right and
+ * by "-" if it isn't. An empty body ends the program.
  */
 #include "TarnComm.h"
 
 #include <stdio.h>
-#include <stdlib.h>
+#include <string.h>
 
 enum { headerSize = 3, sumSize = 2, largestBody = 99 };
 
@@ -24,13 +24,16 @@ static void Expect(HWND line, int count) {
 
 static int IsWhole(const char* body, int length) {
     unsigned sum = 0;
+    char digits[sumSize + 1];
     for (int i = 0; i < length; ++i)
         sum += (unsigned char)body[i];
-    return strtoul(body + length, NULL, 16) == (sum & 0xFF);
+    snprintf(digits, sizeof digits, "%02X", sum & 0xFF);
+    return _stricmp(body + length, digits) == 0;
 }
 
 static void TakeHeader(HWND line, const char* header) {
-    const int length = header[0] == ':' ? atoi(header + 1) : -1;
+    int length = -1;
+    sscanf(header, ":%2d", &length);
     if (length <= 0) /* the end, or a far end that speaks another language */
         PostQuitMessage(length < 0);
     inBody = length > 0;

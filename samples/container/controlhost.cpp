@@ -150,8 +150,12 @@ HRESULT Events::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
 }
 
 HRESULT Events::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*, UINT*) {
-    handler_(id, *arguments);
-    return S_OK;
+    try {
+        handler_(id, *arguments);
+        return S_OK;
+    } catch (...) { // COM knows no exceptions
+        return E_FAIL;
+    }
 }
 
 HRESULT ControlHost::Enter(HWND window) {

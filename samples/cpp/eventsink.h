@@ -4,10 +4,12 @@
 
 #include "TarnLink.h"
 
+#include <comdef.h>
 #include <ocidl.h>
 #include <wrl/client.h>
 
 #include <functional>
+#include <string>
 
 // The platform's interfaces have no virtual destructor, and nobody deletes by them.
 #pragma GCC diagnostic push
@@ -33,8 +35,12 @@ class EventSink final : public IDispatch {
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                                      UINT*) override {
-        handler_(event);
-        return S_OK;
+        try {
+            handler_(event);
+            return S_OK;
+        } catch (...) { // COM knows no exceptions
+            return E_FAIL;
+        }
     }
 
   private:
@@ -44,7 +50,14 @@ class EventSink final : public IDispatch {
 #pragma GCC diagnostic pop
 
 // Numbers of the events that the samples know, as in the type library.
-enum EventNumber : DISPID { Receive = 1, PrepareFile = 14, FinishFile = 17, FinishFileTransfer = 12 };
+enum EventNumber : DISPID {
+    Receive = 1,
+    AbortFileTransfer = 11,
+    FinishFileTransfer = 12,
+    PrepareFile = 14,
+    AbortFile = 16,
+    FinishFile = 17,
+};
 
 // The control, made by its registered class, with its events connected while this object lives.
 class ConnectedControl {
@@ -69,6 +82,17 @@ class ConnectedControl {
 
     bool IsConnected() const { return SUCCEEDED(result_); }
     ITarnComm* operator->() const { return control_.Get(); }
+
+    // Empty, or why the port doesn't open, which putting PortOpen doesn't tell.
+    std::wstring OpenPort(const std::wstring& port) const {
+        VARIANT_BOOL open = VARIANT_FALSE;
+        _bstr_t reason;
+        control_->put_CommPort(_variant_t(port.c_str()));
+        control_->put_PortOpen(VARIANT_TRUE);
+        control_->get_PortOpen(&open);
+        control_->get_PortStatus(reason.GetAddress());
+        return open ? L"" : port + static_cast<const wchar_t*>(L" does not open: " + reason);
+    }
 
   private:
     EventSink sink_;

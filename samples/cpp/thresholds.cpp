@@ -2,15 +2,16 @@
 //
 //     cpp-thresholds PORT
 //
-// The far end sends packets: ":", the body's length in two digits, the body, and the low byte of the sum of
-// the body's bytes in two hexadecimal digits. Each is answered by "+" if its sum is right and by "-" if it
-// isn't. An empty body ends the program. The control has to be registered: regsvr32 Lantry.ocx.
+// The far end sends packets: ":", the body's length in two digits, the body, in plain ASCII, and the low byte
+// of the sum of the body's bytes in two hexadecimal digits. Each is answered by "+" if its sum is right and
+// by "-" if it isn't. An empty body ends the program. The control has to be registered: regsvr32 Lantry.ocx.
 #include "eventsink.h"
 
 #include <comdef.h>
 
 #include <cstdio>
 #include <cwchar>
+#include <iterator>
 #include <numeric>
 #include <string>
 
@@ -18,17 +19,14 @@ namespace {
 
 class Station {
   public:
-    bool Open(const wchar_t* port) {
+    // Empty, or why it doesn't open.
+    std::wstring Open(const wchar_t* port) {
         if (!comm_.IsConnected())
-            return false;
+            return L"The control is not registered.";
         comm_->put_AutoReceive(VARIANT_FALSE); // what comes in is for the event, and not for the terminal
-        comm_->put_CommPort(_variant_t(port));
         comm_->put_Settings(_bstr_t(L"9600,n,8,1"));
         Expect(headerSize);
-        comm_->put_PortOpen(VARIANT_TRUE);
-        VARIANT_BOOL open = VARIANT_FALSE;
-        comm_->get_PortOpen(&open);
-        return open;
+        return comm_.OpenPort(port);
     }
 
     // Before the program's COM ends.
@@ -59,7 +57,8 @@ class Station {
     }
 
     void TakeHeader(const std::wstring& header) {
-        const long length = header.starts_with(L':') ? std::wcstol(header.c_str() + 1, nullptr, 10) : -1;
+        int length = -1;
+        std::swscanf(header.c_str(), L":%2d", &length);
         if (length <= 0) // the end, or a far end that speaks another language
             PostQuitMessage(length < 0);
         inBody_ = length > 0;
@@ -68,8 +67,10 @@ class Station {
 
     void TakeBody(const std::wstring& bytes) {
         const std::wstring body = bytes.substr(0, bytes.size() - sumSize);
-        const unsigned long told = std::wcstoul(bytes.c_str() + body.size(), nullptr, 16);
-        const bool whole = told == std::accumulate(body.begin(), body.end(), 0UL) % 256;
+        wchar_t digits[sumSize + 1];
+        std::swprintf(digits, std::size(digits), L"%02X",
+                      std::accumulate(body.begin(), body.end(), 0U) % 256);
+        const bool whole = _wcsicmp(bytes.c_str() + body.size(), digits) == 0;
         std::printf("%s %ls\n", whole ? "good" : "bad ", body.c_str());
         comm_->put_Output(_variant_t(whole ? L"+" : L"-"));
         inBody_ = false;
@@ -86,8 +87,8 @@ class Station {
 
 int Run(const wchar_t* port) {
     Station station;
-    if (!station.Open(port)) {
-        std::printf("%ls does not open.\n", port);
+    if (const std::wstring problem = station.Open(port); !problem.empty()) {
+        std::printf("%ls\n", problem.c_str());
         return 1;
     }
     std::printf("%ls is open.\n", port);

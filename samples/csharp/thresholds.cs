@@ -2,10 +2,10 @@
 //
 //     thresholds COM1
 //
-// The far end sends packets: ":", the body's length in two digits, the body, and the low byte of the sum of the body's
-// bytes in two hexadecimal digits. Each is answered by "+" if its sum is right and by "-" if it isn't. An empty body ends
-// the program. Wants a reference to the COM library "Tarn Link Objects 1.0 Type Library" and a program of the registered
-// module's width (PlatformTarget x86 or x64).
+// The far end sends packets: ":", the body's length in two digits, the body, in plain ASCII, and the low byte of the
+// sum of the body's bytes in two hexadecimal digits. Each is answered by "+" if its sum is right and by "-" if it isn't.
+// An empty body ends the program. Wants a reference to the COM library "Tarn Link Objects 1.0 Type Library" and a
+// program of the registered module's width (PlatformTarget x86 or x64).
 using System;
 using System.Linq;
 using System.Windows.Forms;
@@ -19,6 +19,8 @@ internal sealed class Station
     private readonly TarnComm comm = new TarnComm();
     private int wanted;
     private bool inBody;
+
+    public int Result { get; private set; } // of the program, once it has ended
 
     public bool Open(string port)
     {
@@ -65,9 +67,12 @@ internal sealed class Station
 
     private void TakeHeader(string header)
     {
-        var length = header[0] == ':' ? int.Parse(header.Substring(1)) : 0;
-        if (length == 0)
+        var length = header[0] == ':' && int.TryParse(header.Substring(1), out var digits) ? digits : -1;
+        if (length <= 0) // the end, or a far end that speaks another language
+        {
+            Result = length < 0 ? 1 : 0;
             Application.ExitThread();
+        }
         inBody = length > 0;
         Expect(inBody ? length + SumSize : HeaderSize);
     }
@@ -75,8 +80,8 @@ internal sealed class Station
     private void TakeBody(string text)
     {
         var body = text.Substring(0, text.Length - SumSize);
-        var told = Convert.ToInt32(text.Substring(body.Length), 16);
-        var whole = told == body.Sum(character => (int)character) % 256; // the bodies are plain ASCII
+        var sum = body.Sum(character => (int)character) % 256;
+        var whole = text.Substring(body.Length).ToUpperInvariant() == sum.ToString("X2");
         Console.WriteLine((whole ? "good " : "bad  ") + body);
         comm.Output = whole ? "+" : "-";
         inBody = false;
@@ -94,6 +99,6 @@ internal static class Program
             return 1;
         Application.Run();
         station.Close();
-        return 0;
+        return station.Result;
     }
 }

@@ -2,6 +2,7 @@
 # Packets whole, broken, in pieces and one upon the other, and the answers to them.
 
 longest=$(printf 'x%.0s' {1..99})
+sums_to_zero=UUV # the low byte: digits that are none may not pass for it
 
 # packet BODY [SUM]: its bytes
 packet() {
@@ -36,17 +37,18 @@ speak_packets() {
     hello=$(packet hello)
     (
         exec {wine_lock}>&- <"$far_tty" >"$far_tty"
-        converse "$hello" + "$(packet hello 00)" - "${hello:0:2}" "" "${hello:2:4}" "" "${hello:6}" + \
+        converse "$hello" + "$(packet hello 00)" - "$(packet "$sums_to_zero" zz)" - "${hello:0:2}" "" "${hello:2:4}" "" "${hello:6}" + \
             "$hello$(packet "$longest")$(packet again)" +++
     ) &
     peer=$!
     expect_end host 0
     expect_end peer 0
-    [[ $(<"$folder/answers") == "+-++++" ]] || fail_case "the answers are $(<"$folder/answers")"
+    [[ $(<"$folder/answers") == "+--++++" ]] || fail_case "the answers are $(<"$folder/answers")"
     expect_words <<WORDS
 COM5 is open.
 good hello
 bad  hello
+bad  $sums_to_zero
 good hello
 good hello
 good $longest
@@ -54,11 +56,21 @@ good again
 WORDS
 }
 
+# Neither ends well nor hangs.
+hears_stranger() { # HEADER
+    start_sample COM5
+    await "the open port" 20 host_says 'is open'
+    printf '%s' "$1" >"$far_tty"
+    expect_end host 1
+}
+
 no_port() {
     start_sample COM9
     expect_end host 1
-    host_says "does not open" || fail_case "the sample doesn't say so"
+    host_says "COM9 does not open: ..*" || fail_case "the sample doesn't say why"
 }
 
 run_case packets speak_packets
+run_case no-colon hears_stranger ATZ
+run_case no-digits hears_stranger :no
 run_case no-port no_port
