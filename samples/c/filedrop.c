@@ -7,6 +7,7 @@
 #include "TarnComm.h"
 
 #include <ctype.h>
+#include <limits.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -15,12 +16,13 @@ static const char modem[] =
     "Hayes Compatible\tATX4E1V1S7=60&C1^M\tATDT\tATDP\tATS0=1^M\t~~+++~~ATH0^M\t14400";
 
 static const char* folder;
-static int left = -1; /* files until the end, or for ever */
+static char name[80];      /* of the file under way */
+static int left = INT_MAX; /* files until the end; so many never come */
 
 /* The caller chooses the name that it offers, and a hostile one may point anywhere: "..\start.bat",
  * "C:\autoexec.bat", "nul". Of the offered name only the last part is used, of that only plain characters,
  * and behind a number: no device has such a name, and no file that is there already is written over. */
-static void MakePlainName(const char* offered, char* name, size_t size) {
+static void MakePlainName(const char* offered) {
     const char* last = offered;
     static int number = 0;
     char path[MAX_PATH];
@@ -28,7 +30,7 @@ static void MakePlainName(const char* offered, char* name, size_t size) {
         if (strchr("/\\:", *at))
             last = at + 1;
     do {
-        snprintf(name, size, "%04d-%.60s", ++number, last);
+        snprintf(name, sizeof name, "%04d-%.60s", ++number, last);
         for (char* at = name; *at; ++at)
             if (!isalnum((unsigned char)*at) && !strchr(".-_", *at))
                 *at = '_';
@@ -38,18 +40,21 @@ static void MakePlainName(const char* offered, char* name, size_t size) {
 
 /* The last moment in which the name can be changed; the file isn't made yet. */
 static void NameFile(HWND line) {
-    char offered[1024], name[80];
+    char offered[1024];
     GetSourceFilename(line, offered, sizeof offered);
-    MakePlainName(offered, name, sizeof name);
+    MakePlainName(offered);
     SetDestFilename(line, name);
 }
 
 static void ShowFile(HWND line) {
-    char name[1024];
-    GetDestFilename(line, name, sizeof name);
-    printf("%s: %ld bytes.\n", strrchr(name, '\\') + 1, GetTransferBytesTransferred(line));
+    printf("%s: %ld bytes.\n", name, GetTransferBytesTransferred(line));
     fflush(stdout);
     --left;
+}
+
+static void ShowLostFile(void) {
+    printf("%s is not whole.\n", name);
+    fflush(stdout);
 }
 
 static void CALLBACK OnEvent(HWND line, int id, int code) {
@@ -63,8 +68,12 @@ static void CALLBACK OnEvent(HWND line, int id, int code) {
     case TARN_TRANSFER_END_OF_FILE:
         ShowFile(line);
         break;
+    case TARN_TRANSFER_FILE_ABORT:
+        ShowLostFile();
+        break;
     case TARN_TRANSFER_SUCCESS:
-        if (left == 0)
+    case TARN_TRANSFER_FAILURE: /* behind files that are whole */
+        if (left <= 0)
             PostQuitMessage(0);
         break;
     }

@@ -9,6 +9,7 @@
 #include <comdef.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cwchar>
 #include <iterator>
@@ -27,35 +28,43 @@ class FileDrop {
   public:
     FileDrop(std::wstring folder, int count) : folder_(std::move(folder)), left_(count) {}
 
-    bool Listen(const wchar_t* port) {
+    // Empty, or why it doesn't.
+    std::wstring Listen(const std::wstring& port) {
         if (!comm_.IsConnected())
-            return false;
-        comm_->put_CommPort(_variant_t(port));
+            return L"The control is not registered.";
         comm_->put_Settings(_bstr_t(L"115200,n,8,1"));
         comm_->put_XferPath(_bstr_t(folder_.c_str()));
         comm_->put_XferProtocol(Protocol_ZModem);
         comm_->put_XferStatusDialog(Dialog_Hidden);
         PortType type = PortType_Unknown;
-        comm_->GetPortType(_bstr_t(port), &type);
-        if (!(type == PortType_Modem ? AnswerByWindows() : AnswerByCommands()))
-            return false;
+        comm_->GetPortType(_bstr_t(port.c_str()), &type);
+        std::wstring problem = type == PortType_Modem ? AnswerByWindows(port) : AnswerByCommands(port);
         comm_->put_AutoZModem(VARIANT_TRUE); // a transfer that the caller starts is received by itself
         comm_->put_AutoReceive(VARIANT_TRUE);
-        return true;
+        return problem;
     }
 
     void HangUp() { comm_->put_PortOpen(VARIANT_FALSE); }
 
   private:
-    bool AnswerByWindows() { return SUCCEEDED(comm_->put_AnswerCalls(VARIANT_TRUE)); }
+    // Raises no error: what is read back tells.
+    std::wstring AnswerByWindows(const std::wstring& modem) {
+        VARIANT_BOOL answers = VARIANT_FALSE;
+        comm_->put_CommPort(_variant_t(modem.c_str()));
+        comm_->put_AnswerCalls(VARIANT_TRUE);
+        comm_->get_AnswerCalls(&answers);
+        return answers ? L"" : modem + L" does not answer calls.";
+    }
 
     // Whoever reads the modem's words must not be the terminal.
-    bool AnswerByCommands() {
+    std::wstring AnswerByCommands(const std::wstring& port) {
         VARIANT_BOOL ready = VARIANT_FALSE;
         comm_->put_AutoReceive(VARIANT_FALSE);
-        comm_->put_PortOpen(VARIANT_TRUE);
+        std::wstring problem = comm_.OpenPort(port);
+        if (!problem.empty())
+            return problem;
         comm_->get_InitModemForAnswer(&ready);
-        return ready;
+        return ready ? L"" : L"The modem at " + port + L" did not answer.";
     }
 
     void OnEvent(DISPID event) {
@@ -63,8 +72,10 @@ class FileDrop {
             NameFile();
         else if (event == FinishFile)
             ShowFile();
-        else if (event == FinishFileTransfer && left_ == 0)
-            PostQuitMessage(0);
+        else if (event == AbortFile)
+            ShowLostFile();
+        else if (event == FinishFileTransfer || event == AbortFileTransfer) // behind files that are whole
+            QuitAfterTheLast();
     }
 
     // The last moment in which the name can be changed; the file isn't made yet.
@@ -97,8 +108,18 @@ class FileDrop {
         --left_;
     }
 
+    void ShowLostFile() {
+        std::printf("%ls is not whole.\n", name_.c_str());
+        std::fflush(stdout);
+    }
+
+    void QuitAfterTheLast() const {
+        if (left_ <= 0)
+            PostQuitMessage(0);
+    }
+
     std::wstring folder_;
-    int left_; // files until the end, or for ever
+    int left_; // files until the end; INT_MAX never come
     int number_ = 0;
     std::wstring name_; // of the file under way
     ConnectedControl comm_{[this](DISPID event) { OnEvent(event); }};
@@ -106,8 +127,8 @@ class FileDrop {
 
 int Run(const wchar_t* port, const wchar_t* folder, int count) {
     FileDrop drop(folder, count);
-    if (!drop.Listen(port)) {
-        std::printf("%ls does not answer calls.\n", port);
+    if (const std::wstring problem = drop.Listen(port); !problem.empty()) {
+        std::printf("%ls\n", problem.c_str());
         return 1;
     }
     std::printf("%ls waits for calls.\n", port);
@@ -125,7 +146,7 @@ int wmain(int count, wchar_t** words) {
         return 1;
     }
     CoInitialize(nullptr);
-    const int result = Run(words[1], words[2], count > 3 ? _wtoi(words[3]) : -1);
+    const int result = Run(words[1], words[2], count > 3 ? _wtoi(words[3]) : INT_MAX);
     CoUninitialize();
     return result;
 }

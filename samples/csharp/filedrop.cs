@@ -14,11 +14,11 @@ internal sealed class FileDrop
 {
     private readonly TarnComm comm = new TarnComm();
     private readonly string folder;
+    private string name; // of the file under way
 
-    public FileDrop(string modem, string folder)
+    public FileDrop(string folder)
     {
         this.folder = folder;
-        comm.CommPort = modem;
         comm.XferPath = folder;
         comm.XferProtocol = XferProtocol.Protocol_ZModem;
         comm.XferStatusDialog = StatusDialog.Dialog_Hidden;
@@ -26,10 +26,17 @@ internal sealed class FileDrop
         comm.AutoZModem = true; // a transfer that the caller starts is received by itself
         comm.NewConnection += () => Console.WriteLine("A caller is there.");
         // The last moment in which the name can be changed; the file isn't made yet.
-        comm.PrepareFile += () => comm.XferDestFilename = PlainName(comm.XferSourceFilename);
-        comm.FinishFile += () => Console.WriteLine($"{comm.XferDestFilename}: {comm.XferTransferred} bytes.");
-        comm.AbortFile += () => Console.WriteLine($"{comm.XferDestFilename} is not whole.");
+        comm.PrepareFile += () => comm.XferDestFilename = name = PlainName(comm.XferSourceFilename);
+        comm.FinishFile += () => Console.WriteLine($"{name}: {comm.XferTransferred} bytes.");
+        comm.AbortFile += () => Console.WriteLine($"{name} is not whole.");
+    }
+
+    // Throws nothing: what is read back tells.
+    public bool Answer(string modem)
+    {
+        comm.CommPort = modem;
         comm.AnswerCalls = true;
+        return comm.AnswerCalls;
     }
 
     // The caller chooses the name that it offers, and a hostile one may point anywhere: "..\start.bat",
@@ -41,9 +48,9 @@ internal sealed class FileDrop
         var plain = string.Concat(last.Take(60).Select(c => IsPlain(c) ? c : '_'));
         for (var number = 1;; ++number)
         {
-            var name = $"{number:0000}-{plain}";
-            if (!File.Exists(Path.Combine(folder, name)))
-                return name;
+            var free = $"{number:0000}-{plain}";
+            if (!File.Exists(Path.Combine(folder, free)))
+                return free;
         }
     }
 
@@ -56,10 +63,21 @@ internal sealed class FileDrop
 internal static class Program
 {
     [STAThread] // the control lives on a thread with messages
-    private static void Main(string[] words)
+    private static int Main(string[] words)
     {
-        var drop = new FileDrop(words[0], words[1]);
+        if (words.Length != 2)
+        {
+            Console.WriteLine("filedrop MODEM FOLDER");
+            return 1;
+        }
+        var drop = new FileDrop(words[1]);
+        if (!drop.Answer(words[0]))
+        {
+            Console.WriteLine($"{words[0]} does not answer calls.");
+            return 1;
+        }
         Application.Run();
         GC.KeepAlive(drop);
+        return 0;
     }
 }

@@ -16,6 +16,7 @@ import comtypes.client
 class FileDrop:
     def __init__(self, modem, folder):
         self.folder = pathlib.Path(folder)
+        self.name = ""  # of the file under way
         self.comm = comm = comtypes.client.CreateObject("TarnLink.TarnComm")
         from comtypes.gen import TarnLink  # made of the type library by CreateObject
 
@@ -28,7 +29,9 @@ class FileDrop:
         comm.AutoReceive = True
         comm.AutoZModem = True  # a transfer that the caller starts is received by itself
         self.connection = comtypes.client.GetEvents(comm, self)
-        comm.AnswerCalls = True
+        comm.AnswerCalls = True  # raises no error: what is read back tells
+        if not comm.AnswerCalls:
+            sys.exit(f"{modem} does not answer calls.")
 
     def plain_name(self, offered):
         """A name for a file that the caller calls by `offered`.
@@ -50,18 +53,22 @@ class FileDrop:
 
     def PrepareFile(self):
         """The last moment in which the name can be changed; the file isn't made yet."""
-        self.comm.XferDestFilename = self.plain_name(self.comm.XferSourceFilename)
+        self.name = self.plain_name(self.comm.XferSourceFilename)
+        self.comm.XferDestFilename = self.name
 
     def FinishFile(self):
-        print(f"{self.comm.XferDestFilename}: {self.comm.XferTransferred} bytes.")
+        print(f"{self.name}: {self.comm.XferTransferred} bytes.")
 
     def AbortFile(self):
-        print(f"{self.comm.XferDestFilename} is not whole.")
+        print(f"{self.name} is not whole.")
 
 
 if __name__ == "__main__":
     if len(sys.argv) != 3:
         sys.exit("Usage: filedrop.py MODEM FOLDER")
     drop = FileDrop(*sys.argv[1:])
-    while True:
-        comtypes.client.PumpEvents(3600)  # seconds; Ctrl+C ends it
+    try:
+        while True:
+            comtypes.client.PumpEvents(3600)  # seconds
+    except KeyboardInterrupt:
+        drop.comm.PortOpen = False  # hangs up

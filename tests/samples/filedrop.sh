@@ -5,7 +5,8 @@ lay_case=start_modems
 outside=$WINEPREFIX/drive_c/evil.bat # where a hostile caller's file would go
 
 # Its line is standard input and output: call NUMBER NAME...
-# The files are told by their whole names, each in a transfer of its own; what the far end refuses is the caller's loss.
+# The files are told by their whole names, each in a transfer of its own, or all in one where $at_once is set; what the
+# far end refuses is the caller's loss.
 call() {
     local word=
     stty sane -isig -echo
@@ -15,12 +16,17 @@ call() {
     done
     stty raw
     export LD_PRELOAD="$wine_build/native/tests/line/\$LIB/libkeepbytes.so"
-    for name in "${@:2}"; do
+    shift
+    if [[ ${at_once:-} ]]; then
+        timeout 30 sz --quiet --full-path -- "$@" || true
+        return
+    fi
+    for name; do
         timeout 30 sz --quiet --full-path -- "$name" || true
     done
 }
 
-# Each name: "as it is offered" "as it is kept"
+# Each name: "as it is offered" "as it is kept". The sample ends after $count files, or after all of them.
 drop() {
     local offered=() kept=() name
     while (($#)); do
@@ -34,7 +40,7 @@ drop() {
     done
     mkdir "$folder/here/drop"
     rm -f "$outside"
-    start_sample COM11 "$(windows_path "$folder/here/drop")\\" "${#kept[@]}"
+    start_sample COM11 "$(windows_path "$folder/here/drop")\\" "${count:-${#kept[@]}}"
     await "an open line" 20 host_says 'waits for calls'
     (
         exec {wine_lock}>&- <"$wine_line/a1" >"$wine_line/a1" 2>"$folder/peer.log"
@@ -58,7 +64,21 @@ as_kept() {
     { echo "COM11 waits for calls."; printf '%s: 3000 bytes.\n' "$@"; } | expect_words
 }
 
+# The sample ends with the transfer, though that has brought more files than it was to wait for.
+more_at_once() {
+    local at_once=yes count=1
+    drop one.txt 0001-one.txt two.txt 0002-two.txt
+}
+
+no_port() {
+    start_sample COM9 "$(windows_path "$folder/here")\\"
+    expect_end host 1
+    host_says "COM9 does not open: ..*" || fail_case "the sample doesn't say why"
+}
+
 run_case plain drop letter.txt 0001-letter.txt
 run_case hostile drop sub/folder.bin 0001-folder.bin 'C:\evil.bat' 0002-evil.bat 'nul' 0003-nul \
     'a b;c.txt' 0004-a_b_c.txt
+run_case at-once more_at_once
 run_case twice drop letter.txt 0001-letter.txt ./letter.txt 0002-letter.txt
+run_case no-port no_port
