@@ -3,19 +3,24 @@
  *     c-transfer PORT send FILE
  *     c-transfer PORT receive FILE
  *
- * FILE is a whole path. A file that is received gets that name, whatever the far end calls it.
+ * FILE is a whole path. The file that is received gets that name, whatever the far end calls it. A second one
+ * would bring a name of its own, and ends the transfer.
  */
 #include "TarnComm.h"
 
 #include <stdio.h>
 #include <string.h>
 
-static LONG bytes = 0; /* of the last block that went over */
+static int files = 0;
+static LONG bytes = -1; /* of the file, once it is whole: a lost file alone makes no failure */
 
 /* Called while WaitUntilTransferIsFinished waits. The counts are those of the file under way. */
 static void CALLBACK OnEvent(HWND line, int id, int code) {
+    const int status = code == TARN_EVENT_TRANSFER ? GetTransferStatus(line) : 0;
     (void)id;
-    if (code == TARN_EVENT_TRANSFER && GetTransferStatus(line) == TARN_TRANSFER_TRANSFERING)
+    if (status == TARN_TRANSFER_PREPARE && ++files > 1)
+        AbortTransfer(line);
+    if (status == TARN_TRANSFER_END_OF_FILE)
         bytes = GetTransferBytesTransferred(line);
 }
 
@@ -28,6 +33,10 @@ static int Transfer(HWND line, const char* action, const char* file) {
     WaitUntilTransferIsFinished(line);
     if (GetTransferStatus(line) != TARN_TRANSFER_SUCCESS) {
         printf("The transfer failed.\n");
+        return 0;
+    }
+    if (bytes < 0) {
+        printf("No file went over.\n");
         return 0;
     }
     printf("%s: %ld bytes.\n", file, bytes);

@@ -170,8 +170,9 @@ bool IsDevice(const std::string& name) {
     static constexpr std::string_view devices[] = {"CON", "PRN", "AUX", "NUL", "CLOCK$", "CONIN$", "CONOUT$"};
     std::string stem = UpperCase(name.substr(0, name.find('.')));
     stem.erase(stem.find_last_not_of(' ') + 1);
+    static constexpr std::string_view digits = "0123456789\xB9\xB2\xB3"; // the last are small, raised 1, 2, 3
     const bool numbered = stem.starts_with("COM") || stem.starts_with("LPT");
-    return (numbered && stem.size() == 4 && stem[3] >= '0' && stem[3] <= '9') ||
+    return (numbered && stem.size() == 4 && digits.find(stem[3]) != digits.npos) ||
            std::ranges::find(devices, stem) != std::end(devices);
 }
 

@@ -3,7 +3,8 @@
 //     cscript //nologo transfer.js PORT send FILE
 //     cscript //nologo transfer.js PORT receive FILE
 //
-// FILE is a whole path. A file that is received gets that name, whatever the far end calls it.
+// FILE is a whole path. The first file that is received gets that name; those behind it bring names of their own:
+// receive from a far end that you trust.
 var zModem = 5;
 var noDialog = 0;
 
@@ -30,10 +31,13 @@ try {
         comm.Upload = args(2);
     else
         comm.Download = args(2);
-} catch (error) { // a file that can't be read, or written
+} catch (error) { // a file that can't be read
     fail(args(2) + ": " + error.message);
 }
 if (!comm.WaitUntilEndOfTransfer())
     fail("The transfer failed.");
-WScript.Echo(args(2) + ": " + new ActiveXObject("Scripting.FileSystemObject").GetFile(args(2)).Size + " bytes.");
+var disk = new ActiveXObject("Scripting.FileSystemObject");
+if (!disk.FileExists(args(2)))
+    fail("No file went over."); // a lost file alone makes no failure
+WScript.Echo(args(2) + ": " + disk.GetFile(args(2)).Size + " bytes.");
 comm.PortOpen = false;

@@ -3,8 +3,8 @@
 #     .\transfer.ps1 COM1 send C:\notes.txt
 #     .\transfer.ps1 COM1 receive C:\notes.txt
 #
-# A file that is received gets the name that is given here, whatever the far end calls it. A 64-bit PowerShell wants
-# the 64-bit module to be registered.
+# The file is told by its whole path. The first file that is received gets that name; those behind it bring names of
+# their own: receive from a far end that you trust. A 64-bit PowerShell wants the 64-bit module to be registered.
 param(
     [Parameter(Mandatory)] [string] $Port,
     [Parameter(Mandatory)] [ValidateSet('send', 'receive')] [string] $Action,
@@ -25,7 +25,8 @@ if (-not $comm.PortOpen) { throw "$Port does not open: $($comm.PortStatus)" }
 try {
     if ($Action -eq 'send') { $comm.Upload = $File } else { $comm.Download = $File }
     if (-not $comm.WaitUntilEndOfTransfer()) { throw 'The transfer failed.' }
-    "${File}: $((Get-Item $File).Length) bytes."
+    if (-not (Test-Path -LiteralPath $File)) { throw 'No file went over.' } # a lost file alone makes no failure
+    "${File}: $((Get-Item -LiteralPath $File).Length) bytes."
 }
 finally {
     $comm.PortOpen = $false

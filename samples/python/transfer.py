@@ -3,8 +3,8 @@
     python transfer.py COM1 send C:\\notes.txt
     python transfer.py COM1 receive C:\\notes.txt
 
-A file that is received gets the name that is given here, whatever the far end calls it. Needs comtypes, and the
-registered module of Python's own width.
+The file is told by its whole path. The first file that is received gets that name; those behind it bring names of
+their own: receive from a far end that you trust. Needs comtypes, and the registered module of Python's own width.
 """
 import os
 import sys
@@ -29,6 +29,8 @@ def transfer(port, action, file):
         comm.Download = file
     if not comm.WaitUntilEndOfTransfer():
         sys.exit("The transfer failed.")
+    if not os.path.exists(file):  # a lost file alone makes no failure
+        sys.exit("No file went over.")
     print(f"{file}: {os.path.getsize(file)} bytes.")
     comm.PortOpen = False
 

@@ -3,8 +3,9 @@
 '     cscript //nologo download.vbs PORT SETTINGS USER PASSWORD PROMPT COMMAND FILE [NUMBER]
 '
 ' PORT may be the name of a modem as Windows calls it; then NUMBER is dialled. COMMAND makes the far end send the
-' file, as "sz notes.txt" does. FILE is its whole path here. Lantry.ocx has to be registered: regsvr32 Lantry.ocx.
-' A 64-bit cscript wants the 64-bit module.
+' file, as "sz notes.txt" does. FILE is its whole path here; a second file would bring a name of its own: fetch from
+' a far end that you trust. Lantry.ocx has to be registered: regsvr32 Lantry.ocx. A 64-bit cscript wants the 64-bit
+' module.
 Option Explicit
 
 Const ZModem = 5
@@ -40,6 +41,7 @@ comm.XferStatusDialog = NoDialog
 Say args(5)
 comm.Download = args(6)
 If Not comm.WaitUntilEndOfTransfer Then Fail "The transfer failed."
+If Not CreateObject("Scripting.FileSystemObject").FileExists(args(6)) Then Fail "No file went over."
 WScript.Echo args(6) & ": " & comm.XferTransferred & " bytes."
 Await args(4)
 comm.PortOpen = False

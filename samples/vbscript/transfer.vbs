@@ -3,13 +3,14 @@
 '     cscript //nologo transfer.vbs PORT send FILE
 '     cscript //nologo transfer.vbs PORT receive FILE
 '
-' FILE is a whole path. A file that is received gets that name, whatever the far end calls it.
+' FILE is a whole path. The first file that is received gets that name; those behind it bring names of their own:
+' receive from a far end that you trust.
 Option Explicit
 
 Const ZModem = 5
 Const NoDialog = 0
 
-Dim args, comm
+Dim args, comm, disk
 Set args = WScript.Arguments
 If args.Count <> 3 Then Fail "Usage: transfer.vbs PORT send|receive FILE"
 
@@ -21,12 +22,14 @@ comm.XferStatusDialog = NoDialog
 comm.PortOpen = True ' raises no error: PortOpen and PortStatus tell
 If Not comm.PortOpen Then Fail args(0) & " does not open: " & comm.PortStatus
 
-On Error Resume Next ' a file that can't be read, or written, raises an error
+On Error Resume Next ' a file that can't be read raises an error
 If args(1) = "send" Then comm.Upload = args(2) Else comm.Download = args(2)
 If Err.Number <> 0 Then Fail args(2) & ": " & Err.Description
 On Error Goto 0
 If Not comm.WaitUntilEndOfTransfer Then Fail "The transfer failed."
-WScript.Echo args(2) & ": " & CreateObject("Scripting.FileSystemObject").GetFile(args(2)).Size & " bytes."
+Set disk = CreateObject("Scripting.FileSystemObject")
+If Not disk.FileExists(args(2)) Then Fail "No file went over." ' a lost file alone makes no failure
+WScript.Echo args(2) & ": " & disk.GetFile(args(2)).Size & " bytes."
 comm.PortOpen = False
 
 Sub Fail(reason)
