@@ -35,11 +35,16 @@ static void Log(HWND line, FILE* file, int count) {
 
 int main(int count, char** words) {
     char error[TARN_ERROR_TEXT_SIZE];
-    FILE* const file = count == 4 ? fopen(words[2], "a") : NULL;
+    FILE* file;
     HWND line;
     int opened;
-    if (!file) {
+    if (count != 4) {
         printf("c-logger PORT FILE COUNT\n");
+        return 1;
+    }
+    file = fopen(words[2], "a");
+    if (!file) {
+        printf("%s can't be written.\n", words[2]);
         return 1;
     }
     line = CreateCommObject(NULL);

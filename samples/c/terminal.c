@@ -1,4 +1,4 @@
-/* A terminal in ten lines: what is typed goes to the port line by line, what comes back is printed.
+/* A small terminal: what is typed goes to the port line by line, what comes back is printed.
  *
  *     c-terminal PORT
  */
@@ -15,8 +15,10 @@ int main(int count, char** words) {
     if (!SetPortOpen(line, 1, error))
         return printf("The port does not open: %s\n", error), 1;
     while (fgets(text, sizeof text, stdin)) {
-        text[strcspn(text, "\n")] = '\r'; /* what Enter sends */
-        Output(line, text, (int)(strchr(text, '\r') - text) + 1);
+        char* const end = strchr(text, '\n'); /* which a piece of a long line lacks */
+        if (end)
+            *end = '\r'; /* what Enter sends */
+        Output(line, text, (int)strlen(text));
         while (WaitForInput(line, 500)) /* ms of silence end an answer */
             fwrite(text, 1, (size_t)GetInput(line, text, sizeof text), stdout);
     }

@@ -12,8 +12,13 @@ using TarnLink;
 internal static class Program
 {
     [STAThread] // the control lives on a thread with messages
-    private static void Main(string[] words)
+    private static int Main(string[] words)
     {
+        if (words.Length != 1)
+        {
+            Console.WriteLine("terminal PORT");
+            return 1;
+        }
         var comm = new TarnComm();
         comm.AutoReceive = false; // what comes is for the event, and not for the terminal on the screen
         comm.CommPort = words[0];
@@ -22,7 +27,10 @@ internal static class Program
         comm.Receive += () => Console.Write((string)comm.Input);
         comm.PortOpen = true; // throws nothing: PortOpen and PortStatus tell
         if (!comm.PortOpen)
-            Console.WriteLine(comm.PortStatus);
+        {
+            Console.WriteLine($"{words[0]} does not open: {comm.PortStatus}");
+            return 1;
+        }
 
         // The keyboard is waited for on another thread; the control belongs to this one.
         using (var messages = new Control())
@@ -37,5 +45,6 @@ internal static class Program
             Application.Run();
         }
         comm.PortOpen = false;
+        return 0;
     }
 }

@@ -20,7 +20,7 @@ begin
     Append(Log)
   else
     Rewrite(Log);
-  WriteLn(Log, FormatDateTime('yyyy-mm-dd hh:nn:ss', Now), ',', Reading);
+  WriteLn(Log, FormatDateTime('yyyy-mm-dd hh":"nn":"ss', Now), ',', Reading);
   CloseFile(Log); // a reading that was taken is not lost with the program
 end;
 
@@ -28,24 +28,28 @@ var
   Line: HWND;
   Reading: array[0..127] of AnsiChar;
   Error: array[0..TARN_ERROR_TEXT_SIZE - 1] of AnsiChar;
-  Length, Left: Integer;
+  Count, Left: Integer;
 
 begin
+  if (ParamCount <> 3) or not TryStrToInt(ParamStr(3), Left) then
+  begin
+    WriteLn('logger PORT FILE COUNT');
+    Halt(1);
+  end;
   Line := CreateCommObject(0);
   SetCommPort(Line, PAnsiChar(AnsiString(ParamStr(1))));
   SetSettings(Line, '9600,n,8,1');
   SetInputTimeOut(Line, Limit);
   if SetPortOpen(Line, 1, Error) = 0 then
   begin
-    WriteLn('The port does not open: ', Error);
+    WriteLn('The port does not open: ', string(AnsiString(Error)));
     Halt(1);
   end;
-  Left := StrToInt(ParamStr(3));
   while Left > 0 do
   begin
-    Length := GetLineInput(Line, Reading, SizeOf(Reading) - 1);
-    Reading[Length] := #0; // which a line as long as the buffer lacks
-    if Length = 0 then
+    Count := GetLineInput(Line, Reading, SizeOf(Reading) - 1);
+    Reading[Count] := #0; // which a line as long as the buffer lacks
+    if Count = 0 then
       Continue;
     AddLine(ParamStr(2), string(AnsiString(Reading)));
     Dec(Left);

@@ -19,12 +19,17 @@ var
   Count: Integer;
 
 begin
+  if ParamCount <> 1 then
+  begin
+    WriteLn('terminal PORT');
+    Halt(1);
+  end;
   Line := CreateCommObject(0);
   SetCommPort(Line, PAnsiChar(AnsiString(ParamStr(1))));
   SetSettings(Line, '9600,n,8,1');
   if SetPortOpen(Line, 1, Error) = 0 then
   begin
-    WriteLn('The port does not open: ', Error);
+    WriteLn('The port does not open: ', string(AnsiString(Error)));
     Halt(1);
   end;
   while not Eof do

@@ -1,14 +1,23 @@
-// A terminal for scripts, in ten lines: sends each line that it is given, and prints what comes back.
+// A small terminal for scripts: sends each line that it is given, and prints what comes back.
 //
 //     cscript //nologo terminal.js PORT LINE...
+var args = WScript.Arguments;
 var comm = new ActiveXObject("TarnLink.TarnComm");
 comm.AutoReceive = false; // what comes is for Input, and not for the terminal on the screen
-comm.CommPort = WScript.Arguments(0);
+comm.CommPort = args(0);
 comm.Settings = "9600,n,8,1";
 comm.PortOpen = true;
-for (var i = 1; comm.PortOpen && i < WScript.Arguments.length; ++i) {
-    comm.OutputLine = WScript.Arguments(i);
-    for (var answer = "", piece = " "; piece; answer += piece = comm.Input)
+if (!comm.PortOpen) {
+    WScript.Echo(args(0) + " does not open: " + comm.PortStatus);
+    WScript.Quit(1);
+}
+for (var i = 1; i < args.length; ++i) {
+    comm.OutputLine = args(i);
+    var answer = "", piece;
+    do {
         comm.Pause = 500; // ms of silence end an answer
+        piece = comm.Input;
+        answer += piece;
+    } while (piece);
     WScript.Echo(answer);
 }

@@ -19,7 +19,8 @@ try {
     for ($left = $Count; $left -gt 0; ) {
         $reading = $comm.LineInput
         if (-not $reading) { continue }
-        '{0:yyyy-MM-dd HH:mm:ss},{1}' -f (Get-Date), $reading | Add-Content -Path $File
+        $stamp = (Get-Date).ToString('yyyy-MM-dd HH:mm:ss', [cultureinfo]::InvariantCulture)
+        "$stamp,$reading" | Add-Content -LiteralPath $File
         $left--
     }
 }

@@ -21,9 +21,9 @@ comm.OutputLine = "AT&C1&D2" ' the carrier tells of the call, and DTR ends it
 Await "OK", 5
 comm.OutputLine = "ATDT" & args(1)
 Await "CONNECT|BUSY|NO CARRIER|NO DIALTONE|ERROR", 60
-Await "login:", 15
+Await "login:|NO CARRIER", 15
 comm.OutputLine = args(2)
-Await "Password:", 15
+Await "Password:|NO CARRIER", 15
 comm.OutputLine = args(3)
 Await args(4) & "|incorrect|NO CARRIER", 15
 WScript.Echo "Logged in as " & args(2) & "."

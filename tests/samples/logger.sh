@@ -30,5 +30,13 @@ no_port() {
     host_says "COM9 does not open: ..*" || fail_case "the sample doesn't say why"
 }
 
+# C opens it before the port; the script, for each line.
+no_file() {
+    start_sample COM5 "$(windows_path "$folder/here/none/log.csv")" 1
+    expect_end host 1
+    host_says "can't be written" || fail_case "the sample doesn't say so"
+}
+
 run_case readings log_readings
+[[ $language != c ]] || run_case no-file no_file
 run_case no-port no_port
