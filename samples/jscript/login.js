@@ -3,6 +3,8 @@
 //     cscript //nologo login.js PORT NUMBER USER PASSWORD PROMPT COMMAND
 function fail(reason) {
     WScript.Echo(reason);
+    if (comm)
+        comm.PortOpen = false;
     WScript.Quit(1);
 }
 

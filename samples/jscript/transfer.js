@@ -10,6 +10,8 @@ var noDialog = 0;
 
 function fail(reason) {
     WScript.Echo(reason);
+    if (comm)
+        comm.PortOpen = false;
     WScript.Quit(1);
 }
 

@@ -48,5 +48,6 @@ End Function
 
 Sub Fail(reason)
     WScript.Echo reason
+    If IsObject(comm) Then comm.PortOpen = False
     WScript.Quit 1
 End Sub

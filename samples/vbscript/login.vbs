@@ -50,5 +50,6 @@ End Sub
 
 Sub Fail(reason)
     WScript.Echo reason
+    If IsObject(comm) Then comm.PortOpen = False
     WScript.Quit 1
 End Sub

@@ -34,5 +34,6 @@ comm.PortOpen = False
 
 Sub Fail(reason)
     WScript.Echo reason
+    If IsObject(comm) Then comm.PortOpen = False
     WScript.Quit 1
 End Sub
