@@ -45,6 +45,7 @@ DWORD DirectWrite(COMCTL& record, const void* lpBytes, DWORD cbBytes) {
     if (!WriteFile(record.hComm, record.DirectWriteBytes.data(), cbBytes, &written, &record.osWrite)) {
         const DWORD error = GetLastError();
         if (error != ERROR_IO_PENDING) {
+            record.osWrite.Internal = ERROR_SUCCESS; // the system leaves it at "pending"
             ReadLineStatus(record);
             throw RuntimeError(error);
         }

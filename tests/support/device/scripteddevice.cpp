@@ -380,6 +380,9 @@ BOOL ScriptedDevice::Write(HANDLE handle, const void* bytes, DWORD size, DWORD* 
         return Failure(ERROR_INVALID_HANDLE);
     const std::string offered(static_cast<const char*>(bytes), size);
     attempts_.push_back(offered);
+    // As the platform does it ahead of each write, and leaves it when the write fails.
+    state->Internal = statusPending;
+    ResetEvent(state->hEvent);
     if (failingWrites_ > 0) {
         --failingWrites_;
         return Failure(failingWriteError_);
