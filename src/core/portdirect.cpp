@@ -1,5 +1,6 @@
 #include "portdirect.h"
 
+#include "deadline.h"
 #include "diagnostics/runtimeerror.h"
 #include "diagnostics/SEHException.h"
 #include "diagnostics/wiretap.h"
@@ -12,6 +13,20 @@
 namespace {
 
 constexpr unsigned alreadyClosed = ERROR_INVALID_HANDLE;
+
+constexpr DWORD lookAgain = 10;         // ms, however silent the event is
+constexpr DWORD afterForeignSignal = 1; // ms
+
+// The whole session shares the event by its name: a signal may tell of another's write, and another's write
+// may take this one's signal back. So the call itself is asked.
+void AwaitWrite(const COMCTL& record, DWORD limit) {
+    const Deadline deadline(limit);
+    while (DirectWriteIsStuck(record) && !deadline.Passed()) {
+        const DWORD woken = WaitForSingleObject(record.osWrite.hEvent, lookAgain);
+        if (woken != WAIT_TIMEOUT && DirectWriteIsStuck(record))
+            Sleep(afterForeignSignal);
+    }
+}
 
 void CloseWriteEvent(COMCTL& record) {
     EventHandle event(record.osWrite.hEvent);
@@ -29,9 +44,7 @@ void CloseWriteEvent(COMCTL& record) {
 DWORD DirectWrite(COMCTL& record, const void* lpBytes, DWORD cbBytes) {
     if (!IsDevice(record.hComm) || !cbBytes || !record.bPortOpen)
         return 0;
-    DWORD earlier = 0;
-    if (record.osWrite.hEvent)
-        GetOverlappedResult(record.hComm, &record.osWrite, &earlier, TRUE);
+    AwaitWrite(record, INFINITE);
     CloseWriteEvent(record);
     record.osWrite = {};
     record.osWrite.hEvent = CreateEventA(nullptr, TRUE, FALSE, "OverlappedWrite");
@@ -59,13 +72,12 @@ DWORD DirectWrite(COMCTL& record, const void* lpBytes, DWORD cbBytes) {
 void FinishDirectWrite(COMCTL& record) {
     if (!record.osWrite.hEvent)
         return;
-    DWORD written = 0;
-    if (!GetOverlappedResult(record.hComm, &record.osWrite, &written, FALSE) &&
-        GetLastError() == ERROR_IO_INCOMPLETE) {
+    if (DirectWriteIsStuck(record)) {
         CancelIoEx(record.hComm, &record.osWrite);
-        if (WaitForSingleObject(record.osWrite.hEvent, CancelLimit) != WAIT_OBJECT_0)
-            return;
+        AwaitWrite(record, CancelLimit);
     }
+    if (DirectWriteIsStuck(record))
+        return;
     CloseWriteEvent(record);
     record.osWrite = {};
 }

@@ -14,9 +14,30 @@ using host::PendingKind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+constexpr DWORD watched = 200; // ms
+
+// What the write's event tells to every program of the session.
+void SignalAnothersWrite() {
+    const EventHandle event(OpenEventA(EVENT_MODIFY_STATE, FALSE, "OverlappedWrite"));
+    ASSERT_TRUE(event);
+    SetEvent(event.get());
+}
+
 class DirectOutput : public host::DeviceTest {
   protected:
     void SetUp() override { OpenWithTimer(); }
+
+    // The first write ends after a while; until then no second one may begin.
+    void ExpectSecondWriteToWait() {
+        std::thread line([this] {
+            Sleep(watched);
+            EXPECT_EQ(device.WriteAttempts().size(), 1u) << "the second waits for the first";
+            device.CompleteWrite();
+        });
+        EXPECT_EQ(ComOutput(object, "second", 6), 6u);
+        line.join();
+        EXPECT_EQ(device.Written(), "firstsecond");
+    }
 
     // The code of the RuntimeError that a direct write raises, 0 for none.
     DWORD ErrorOfWrite() {
@@ -50,16 +71,27 @@ TEST_F(DirectOutput, PendingWriteGivesZeroAndTheNextCallWaitsForIt) {
     EXPECT_EQ(ComOutput(object, bytes, 5), 0u);
     memset(bytes, '#', 5); // the caller's buffer is his again
     device.OnWrite(Answer::AtOnce);
-    std::thread line([this] {
-        const host::Stopwatch stopwatch;
-        while (!device.Saw("GetOverlappedResult waiting") && stopwatch.Milliseconds() < 5000)
-            SwitchToThread();
-        EXPECT_EQ(device.WriteAttempts().size(), 1u) << "the second waits for the first";
-        device.CompleteWrite();
-    });
-    EXPECT_EQ(ComOutput(object, "second", 6), 6u);
-    line.join();
-    EXPECT_EQ(device.Written(), "firstsecond");
+    ExpectSecondWriteToWait();
+}
+
+TEST_F(DirectOutput, SignalOfAnotherProgramsWriteEndsNoWait) {
+    device.OnWrite(Answer::Pending);
+    EXPECT_EQ(ComOutput(object, "first", 5), 0u);
+    device.OnWrite(Answer::AtOnce);
+    SignalAnothersWrite();
+    ExpectSecondWriteToWait();
+}
+
+TEST_F(DirectOutput, SignalOfAnotherProgramsWriteFreesNoneThatTheDeviceKeeps) {
+    device.OnWrite(Answer::Pending);
+    EXPECT_EQ(ComOutput(object, "stuck", 5), 0u);
+    device.LetGo(false);
+    SignalAnothersWrite();
+    object.Close();
+    EXPECT_TRUE(DirectWriteIsStuck(Record())) << "its memory is the device's";
+    device.LetGo(true);
+    EXPECT_TRUE(device.CompleteWrite());
+    EXPECT_FALSE(DirectWriteIsStuck(Record()));
 }
 
 TEST_F(DirectOutput, LastEventStaysOpenUntilTheNextCall) {
