@@ -35,6 +35,14 @@ inline constexpr int DefaultBufferSize = 2048;
 inline constexpr int DefaultLookUpTimeOut = 10000; // ms
 inline constexpr int DefaultDialTimeOut = 30000;   // ms
 
+// What the dispatcher has read and hands on byte by byte, each byte to the look-up and then to the ZModem
+// start. An event in between may run a tick inside the tick, which goes on from here.
+struct OfferedInput {
+    std::vector<char> bytes;
+    size_t lookedUp = 0;
+    size_t searched = 0; // for the start
+};
+
 struct COMCTL : TransferShare {
     COMCTL();
     ~COMCTL();
@@ -189,6 +197,7 @@ struct COMCTL : TransferShare {
     OVERLAPPED osWrite = {};              // of the last ComOutput
     std::vector<char> DirectWriteBytes;   // what it writes
     std::unique_ptr<ReadCall> lpReadCall; // kept from read to read; null while one is under way
+    OfferedInput Offered;
 };
 
 using lpComCtl = COMCTL*;

@@ -14,11 +14,23 @@ namespace {
 
 constexpr int chunkSize = 1024; // bytes, bounds the work of one step
 
-// False: the object is gone.
+bool OfferNext(COMCTL& record) {
+    OfferedInput& offered = record.Offered;
+    if (offered.lookedUp == offered.searched)
+        return FeedLookUp(record, offered.bytes[offered.lookedUp++]);
+    return CheckAutoZModem(record, offered.bytes[offered.searched++]);
+}
+
+// A tick inside one of the events finds what is left of this chunk ahead of its own bytes, and leaves nothing
+// of either. False: the object is gone.
 bool OfferBytes(COMCTL& record, const char* bytes, int count) {
-    for (int i = 0; i < count; ++i)
-        if (!FeedLookUp(record, bytes[i]) || !CheckAutoZModem(record, bytes[i]))
+    OfferedInput& offered = record.Offered;
+    offered.bytes.insert(offered.bytes.end(), bytes, bytes + count);
+    while (offered.searched < offered.bytes.size())
+        if (!OfferNext(record))
             return false;
+    offered.bytes.clear();
+    offered.lookedUp = offered.searched = 0;
     return true;
 }
 

@@ -248,6 +248,26 @@ TEST_F(Dispatcher, StartSequenceIsSeen) {
     }
 }
 
+// A host that serves messages in the event lets the next tick in.
+TEST_F(Dispatcher, TickInsideALookUpEventOffersTheRestFirst) {
+    SetLookUpText(object, "one,two,three", ',');
+    std::vector<int> matches;
+    object.OnEventDo([&](int) {
+        matches.push_back(Record().nLookUpMatch);
+        if (matches.size() == 1)
+            Feed(" three");
+    });
+    Feed("one two");
+    EXPECT_THAT(matches, ElementsAre(0, 1, 2));
+}
+
+TEST_F(Dispatcher, TickInsideALookUpEventLeavesTheStartSequenceWhole) {
+    SetLookUpText(object, "B0", ',');
+    object.OnEventDo([this](int) { Feed("later"); });
+    Feed(startSequence);
+    EXPECT_EQ(std::ranges::count(notes, "download after 0"), 1);
+}
+
 TEST_F(Dispatcher, StartSequenceIsIgnoredWithTheSwitchOff) {
     SetAutoZModem(object, 0);
     Feed(startSequence);
