@@ -132,7 +132,7 @@ void COverlappedWrite::Resize(int cbRing) {
 // Each of these two sets its own flag before it looks at the other's, so that no signal is missed.
 HANDLE COverlappedWrite::DrainedEvent() {
     bDrainedWatched_ = true;
-    if (bDrained_)
+    if (bDrained_.exchange(false))
         SetEvent(hDrained_.get());
     return hDrained_.get();
 }

@@ -55,6 +55,6 @@ class COverlappedWrite {
 
     EventHandle hDrained_;
     std::atomic<bool> bDrainedWatched_{false};
-    std::atomic<bool> bDrained_{false}; // since the last write
+    std::atomic<bool> bDrained_{false}; // since the last write, and nobody was told
     std::atomic<int> inHand_{0};
 };

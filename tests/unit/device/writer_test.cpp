@@ -88,6 +88,21 @@ TEST_F(Writer, TakeNeverWraps) {
     EXPECT_THAT(device.CallsOf({"WriteFile"}), ElementsAre("WriteFile 384", "WriteFile 616"));
 }
 
+using WriterFlush = host::DeviceTest;
+
+// The driver may still have bytes when the writer has none; it has no event for its last.
+TEST_F(WriterFlush, SlowDriverIsAskedEveryTwoMilliseconds) {
+    OpenWithTimer();
+    device.SetOutputQueue(10);
+    ASSERT_EQ(Output(object, "x", 1), 1);
+    ASSERT_TRUE(host::PumpUntil([&] { return device.Written() == "x"; }));
+    device.Forget();
+    EXPECT_EQ(FlushOutputBuffer(object, 300), 0);
+    EXPECT_LT(device.Count("ClearCommError"), 170);
+    device.SetOutputQueue(0);
+    EXPECT_EQ(FlushOutputBuffer(object, 300), 1);
+}
+
 // The oddity that is kept: the rest of a partial write is taken from the start of the take again.
 TEST_F(Writer, PartialWriteStartsAgainAtTheHeadWithTheReducedCount) {
     device.TakeOnly(3);
