@@ -185,12 +185,15 @@ TARN_IMPORT const char* TARNAPI GetPort(HWND hWnd);
  * TARN_ERROR_TEXT_SIZE bytes that is emptied and takes the reason of a failure: "Port not found", "Port
  * unavailable" or the system's own text. Returns 1 on success, also if the port was in that state already.
  * Closing throws away what waits in the device; what still waits in the object goes out after the next
- * opening. It takes 3 seconds at the most, whatever the device does. */
+ * opening. It takes 3 seconds at the most, whatever the device does. A port is also unavailable while a
+ * transfer is held up inside the driver of the one before. */
 TARN_IMPORT int TARNAPI SetPortOpen(HWND hWnd, int bOpen, char* szError);
 TARN_IMPORT int TARNAPI GetPortOpen(HWND hWnd);
 
 /* Attaches a device handle that was opened elsewhere, for overlapped use; the object closes it. NULL and
- * INVALID_HANDLE_VALUE close the present one. GetCommID returns NULL before the first opening and
+ * INVALID_HANDLE_VALUE close the present one. Another handle takes its place without closing it, not even one
+ * that SetPortOpen opened: close that first, or keep what GetCommID gave. Nothing changes while a transfer is
+ * held up inside the driver for more than 2 seconds. GetCommID returns NULL before the first opening and
  * INVALID_HANDLE_VALUE after a close. */
 TARN_IMPORT void TARNAPI SetCommID(HWND hWnd, HANDLE hComm);
 TARN_IMPORT HANDLE TARNAPI GetCommID(HWND hWnd);

@@ -1,5 +1,7 @@
 #include "port.h"
 
+#include "diagnostics/runtimeerror.h"
+#include "handle.h"
 #include "portdirect.h"
 #include "portmonitor.h"
 #include "portstate.h"
@@ -40,6 +42,25 @@ std::string OpenErrorText(DWORD error) {
     }
 }
 
+// False: a worker is held up inside a call of the driver, and the device before stays.
+bool StoreDevice(COMCTL& record, HANDLE device) {
+    if (record.hComm == device)
+        return true;
+    const std::unique_lock guard(record.DeviceLock, deviceLockLimit);
+    if (!guard)
+        return false;
+    record.hComm = device;
+    ++record.nDevice;
+    return true;
+}
+
+void DetachDevice(COMCTL& record) {
+    CloseDevice(record);
+    StoreDevice(record, INVALID_HANDLE_VALUE); // in place of the null of an object that never had one
+    record.bPortOpen = 0;
+    record.lpOverlappedWrite->Stop();
+}
+
 } // namespace
 
 bool IsDevice(HANDLE device) {
@@ -56,18 +77,14 @@ bool PrepareDevice(COMCTL& record) {
 
 bool OpenPort(COMCTL& record, std::string& error) {
     const std::string path = std::string("\\\\.\\") + record.szPort;
-    const HANDLE device = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_OVERLAPPED, nullptr);
-    const DWORD openError = GetLastError();
-    {
-        std::scoped_lock guard(record.DeviceLock);
-        record.hComm = device;
-        ++record.nDevice;
-    }
-    if (!IsDevice(record.hComm)) {
+    FileHandle device(CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_OVERLAPPED, nullptr));
+    const DWORD openError = device ? ERROR_ACCESS_DENIED : GetLastError();
+    if (!StoreDevice(record, device.get()) || !device) {
         error = OpenErrorText(openError);
         return false;
     }
+    static_cast<void>(device.release()); // the record's now
     record.bPortOpen = 1;
     if (!PrepareDevice(record)) {
         // The mask first: a monitor sets its own, and must have the last word or it would never hear of a
@@ -106,28 +123,21 @@ void CloseDevice(COMCTL& record) {
 }
 
 void AttachDevice(COMCTL& record, HANDLE device) {
-    if (!IsDevice(device))
-        device = INVALID_HANDLE_VALUE;
-    const bool replaced = IsDevice(device) && IsDevice(record.hComm) && device != record.hComm;
-    if (!IsDevice(device))
-        CloseDevice(record);
-    if (replaced) {
-        // The old device belongs to whoever attached it, so it stays open; its threads go.
+    if (!IsDevice(device)) {
+        DetachDevice(record);
+        return;
+    }
+    const bool replaces = IsDevice(record.hComm) && device != record.hComm;
+    if (!StoreDevice(record, device))
+        throw RuntimeError(ERROR_BUSY);
+    if (replaces) {
+        // The old device stays open, one that the object had opened by its name too: whoever replaces it may
+        // attach it again. Its threads go. Test: Attach.PortThatTheObjectOpenedStaysOpen
         record.lpOverlappedWrite->Stop();
         record.lpMonitorThread.reset();
-    }
-    {
-        std::scoped_lock guard(record.DeviceLock);
-        if (record.hComm != device)
-            ++record.nDevice;
-        record.hComm = device;
-    }
-    if (replaced)
         DropReturnedInput(record);
-    record.bPortOpen = IsDevice(device);
-    if (record.bPortOpen)
-        record.lpOverlappedWrite->Start(device);
-    else
-        record.lpOverlappedWrite->Stop();
+    }
+    record.bPortOpen = 1;
+    record.lpOverlappedWrite->Start(device);
     SetUpTick(record);
 }

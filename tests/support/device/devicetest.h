@@ -8,6 +8,11 @@
 #include "core/thread.h"
 #include "support/host.h"
 
+#include <chrono>
+#include <future>
+#include <mutex>
+#include <thread>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -39,6 +44,35 @@ inline DWORD ProcessorTime() {
     GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
     return (kernel.dwLowDateTime + user.dwLowDateTime) / 10000;
 }
+
+// A transfer's worker that is held up inside a call of the driver, until let go or for longer than any limit.
+class HeldDevice {
+  public:
+    explicit HeldDevice(COMCTL& record) : thread_([this, &record] { Hold(record); }) {
+        taken_.get_future().wait();
+    }
+    ~HeldDevice() { LetGo(); }
+    HeldDevice(const HeldDevice&) = delete;
+    HeldDevice& operator=(const HeldDevice&) = delete;
+
+    void LetGo() {
+        if (!thread_.joinable())
+            return;
+        end_.set_value();
+        thread_.join();
+    }
+
+  private:
+    void Hold(COMCTL& record) {
+        const std::scoped_lock guard(record.DeviceLock);
+        taken_.set_value();
+        end_.get_future().wait_for(std::chrono::seconds(8));
+    }
+
+    std::promise<void> taken_;
+    std::promise<void> end_;
+    std::thread thread_;
+};
 
 inline constexpr LONG neverTicks = 1000000; // ms; a test that sends its own ticks wants no others
 

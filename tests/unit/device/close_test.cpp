@@ -201,6 +201,38 @@ TEST_F(Attach, AnotherHandleReplacesTheFirst) {
     EXPECT_TRUE(host::PumpUntil([&] { return device.Written() == "sent"; }));
 }
 
+// Kept so: whoever replaces it may have asked for it, and attach it again.
+TEST_F(Attach, PortThatTheObjectOpenedStaysOpen) {
+    ASSERT_EQ(object.Open(host::ScriptedDevice::Name), "");
+    const HANDLE opened = GetCommID(object);
+    const HANDLE other = Handle();
+    SetCommID(object, other);
+    EXPECT_EQ(device.Count("CloseHandle"), 0);
+    SetCommID(object, opened);
+    EXPECT_EQ(GetCommID(object), opened);
+    Output(object, "sent", 4);
+    EXPECT_TRUE(host::PumpUntil([&] { return device.Written() == "sent"; }));
+    CloseHandle(other);
+}
+
+TEST_F(Attach, WorkerThatIsHeldUpInTheDriverKeepsTheDevice) {
+    const HANDLE first = Handle();
+    SetCommID(object, first);
+    host::HeldDevice held(Record());
+    const host::Stopwatch stopwatch;
+    const HANDLE second = Handle();
+    SetCommID(object, second);
+    EXPECT_LT(stopwatch.Milliseconds(), 4000u);
+    EXPECT_EQ(GetCommID(object), first);
+    EXPECT_EQ(GetPortOpen(object), 1);
+    Output(object, "sent", 4);
+    EXPECT_TRUE(host::PumpUntil([&] { return device.Written() == "sent"; }));
+    held.LetGo();
+    SetCommID(object, second);
+    EXPECT_EQ(GetCommID(object), second);
+    CloseHandle(first);
+}
+
 TEST_F(Attach, NoneDetachesAndCloses) {
     for (const HANDLE none : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
         SetCommID(object, Handle());

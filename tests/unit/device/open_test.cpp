@@ -125,6 +125,18 @@ TEST_F(Open, FailureIsTold) {
     }
 }
 
+TEST_F(Open, WorkerThatIsHeldUpInTheDriverMakesThePortUnavailable) {
+    host::HeldDevice held(Record());
+    const host::Stopwatch stopwatch;
+    SetInterval(object, host::neverTicks);
+    EXPECT_EQ(object.Open(host::ScriptedDevice::Name), "failed: Port unavailable");
+    EXPECT_LT(stopwatch.Milliseconds(), 4000u);
+    EXPECT_EQ(GetPortOpen(object), 0);
+    EXPECT_FALSE(device.IsOpen());
+    held.LetGo();
+    EXPECT_EQ(object.Open(host::ScriptedDevice::Name), "");
+}
+
 TEST_F(Open, SuccessEmptiesTheText) {
     char error[TARN_ERROR_TEXT_SIZE] = "old text";
     SetInterval(object, host::neverTicks);
