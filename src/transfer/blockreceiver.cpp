@@ -72,9 +72,10 @@ int BlockReceiver::ReceiveBlocks() {
 }
 
 void BlockReceiver::TakeBlock() {
-    const int cbBytes = std::clamp<int>(static_cast<int>(file_.Bytesleft), 0, Blklen);
+    const int cbBytes = sizeIsTold_ ? std::clamp<int>(static_cast<int>(file_.Bytesleft), 0, Blklen) : Blklen;
     file_.WriteBlock(Secbuf.data(), cbBytes);
-    file_.Bytesleft -= cbBytes;
+    if (sizeIsTold_)
+        file_.Bytesleft -= cbBytes;
     line_.ShowStatus("Receiving data...");
 }
 

@@ -77,6 +77,10 @@ int ReceivedFile::ProcessHeader(const char* lpBlock, size_t cbBlock) {
     const std::string_view name = block.substr(0, block.find('\0'));
     ReadHeaderText(block.substr(std::min(name.size() + 1, block.size())));
     Announce(name);
+    if (IsTooLong()) {
+        line_.ShowStatus("File is too large...");
+        return FileCantBeOpened;
+    }
     FileInfo present;
     if (GetFileInfo(Pathname, present))
         return MeetPresent(present, mode, std::string(name));
@@ -126,6 +130,11 @@ void ReceivedFile::Announce(std::string_view name) {
     xfStartFile(line_.Transfer());
     xfPrepareReceive(line_.Transfer(), Pathname, Pathname);
     xfSetFileSize(line_.Transfer(), Bytesleft);
+}
+
+// YModem's told length is where its padding begins: what can't be counted would be cut, and told as whole.
+bool ReceivedFile::IsTooLong() const {
+    return !bZModem && Bytesleft == LargestFile;
 }
 
 int ReceivedFile::MeetPresent(const FileInfo& present, FileMode mode, const std::string& name) {

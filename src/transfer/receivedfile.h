@@ -70,6 +70,7 @@ class ReceivedFile {
     FileMode ChooseMode(); // and the conversion
     void ReadHeaderText(std::string_view text);
     void Announce(std::string_view name);
+    bool IsTooLong() const;
     int MeetPresent(const FileInfo& present, FileMode mode, const std::string& name);
     bool Replaces(const FileInfo& present) const;
     int Resume();

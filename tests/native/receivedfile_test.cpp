@@ -65,6 +65,7 @@ class ReceivedFileText : public testing::TestWithParam<TextCase> {};
 
 TEST_P(ReceivedFileText, IsReadAsFarAsItGoes) {
     Receiving receiving;
+    receiving.file.bZModem = true; // which counts past the told length
     EXPECT_EQ(receiving.Header("a.bin\0"s + GetParam().text), FileProceeds);
     EXPECT_EQ(receiving.file.Bytesleft, GetParam().length);
     EXPECT_EQ(receiving.file.Modtime, GetParam().time);
@@ -101,6 +102,30 @@ const TextCase textCases[] = {
     {"ZeroLength", "0", 0},
 };
 RUN_TABLE(ReceivedFileText, textCases);
+
+struct LengthCase {
+    const char* length;
+    bool zmodem;
+    int result;
+};
+
+// Blocks are filled up, so a length that can't be counted would cut the file.
+TEST(ReceivedFileHeader, YModemRefusesALengthThatCantBeCounted) {
+    const LengthCase cases[] = {
+        {"2147483646", false, FileProceeds},     {"2147483647", false, FileCantBeOpened},
+        {"3000000000", false, FileCantBeOpened}, {"99999999999999999999", false, FileCantBeOpened},
+        {"3000000000", true, FileProceeds},
+    };
+    for (const LengthCase& row : cases) {
+        SCOPED_TRACE(row.length);
+        Receiving receiving;
+        receiving.file.bZModem = row.zmodem;
+        receiving.disk.files["a"].contents = "old";
+        EXPECT_EQ(receiving.Header("a\0"s + row.length), row.result);
+        EXPECT_EQ(receiving.disk.files["a"].contents, row.result == FileProceeds ? "" : "old");
+        EXPECT_EQ(receiving.Told("status File is too large..."), row.result != FileProceeds);
+    }
+}
 
 TEST(ReceivedFileHeader, EmptyBlockSetsTheDefaultsAlone) {
     for (const std::string& block : {""s, "\0"s, "\0 5 5 5"s}) {

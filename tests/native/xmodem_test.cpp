@@ -2,6 +2,7 @@
 #include "caseprint.h"
 #include "modemfarend.h"
 #include "terminaldouble.h"
+#include "transfer/blockreceiver.h"
 #include "transfer/blocksender.h"
 
 namespace {
@@ -215,6 +216,28 @@ TEST(XModemReceiveBatch, NumbersWrapAt256) {
     transfer.AnswerWith(answers);
     EXPECT_EQ(transfer.Receive(), 0);
     EXPECT_EQ(disk.files["UNTITLED.000"].contents, contents);
+}
+
+// However much has come: the count that begins at two thousand million has nothing to say here.
+TEST(XModemReceiveLength, HasNoLimit) {
+    MemoryDisk disk;
+    TransferDouble host(XferDownload, Protocol_XModemCRC);
+    host.keepBlocks = false;
+    ModemLine line(host.transfer);
+    ReceivedFile file(line, false);
+    file.ProcessHeader("", 0);
+    file.Pathname = "a";
+    ASSERT_TRUE(file.OpenNew());
+    BlockReceiver receiver(line, file);
+    receiver.Crcflg = true;
+    std::deque<std::string> blocks = {CrcBlock(1, A), CrcBlock(2, B), EOT, silence};
+    host.line.onWrite = [&](const std::string&) {
+        file.Bytesleft = std::min<LONG>(file.Bytesleft, 128);
+        host.line.Say(blocks.front());
+        blocks.pop_front();
+    };
+    EXPECT_EQ(receiver.ReceiveBlocks(), 0);
+    EXPECT_EQ(disk.files["a"].contents, A + B);
 }
 
 TEST(XModemReceiveEvents, ComeInTheirOrder) {
