@@ -146,8 +146,9 @@ int ReceivedFile::MeetPresent(const FileInfo& present, FileMode mode, const std:
     // YModem has no way to ask for the rest of a file: its sender starts at 0 whatever is here.
     if (bZModem && Thisbinary && zconv == ZCRESUM) {
         Rxbytes = present.cbFile / resumeUnit * resumeUnit;
-        // Without a told length nobody knows where the old contents would have to end.
-        if (Bytesleft >= present.cbFile && Bytesleft != UnknownFileSize)
+        // Without a told length nobody knows where the old contents would have to end, and of two files that
+        // can't be counted which is the longer.
+        if (Bytesleft >= present.cbFile && Bytesleft != UnknownFileSize && present.cbFile < LargestFile)
             return Resume();
         Rxbytes = 0;
         return OpenAs(mode, name);

@@ -149,7 +149,8 @@ bool GetFileInfo(const std::string& name, FileInfo& info) {
     if (found == present->files.end())
         return false;
     const MemoryDisk::File& file = found->second;
-    info = {static_cast<LONG>(file.contents.size()), file.modified, file.mode, false};
+    info = {file.told >= 0 ? file.told : static_cast<LONG>(file.contents.size()), file.modified, file.mode,
+            false};
     return true;
 }
 

@@ -21,6 +21,7 @@ class MemoryDisk {
         std::string contents;
         int64_t modified = 0;
         unsigned mode = 0100644;
+        int32_t told = -1; // its size for those who ask, in place of that of the contents
     };
 
     std::map<std::string, File> files;

@@ -319,6 +319,19 @@ const PresentCase presentCases[] = {
 };
 RUN_TABLE(ReceivedFilePresent, presentCases);
 
+TEST(ReceivedFileResume, FileThatIsTooLongToBeComparedIsReplaced) {
+    for (const bool tooLong : {false, true}) {
+        Receiving receiving(true);
+        receiving.file.bZModem = true;
+        receiving.disk.files["a"].told = LargestFile - !tooLong;
+        EXPECT_EQ(receiving.Header("a\0"
+                                   "3000000000"s),
+                  FileProceeds);
+        EXPECT_EQ(receiving.disk.journal, std::vector<std::string>{tooLong ? "open a wb" : "open a rb+"});
+        EXPECT_EQ(receiving.file.Rxbytes, tooLong ? 0 : 0x7FFFFE00);
+    }
+}
+
 TEST(ReceivedFileResume, GoesOnBehindWhatIsThere) {
     Receiving receiving(true);
     receiving.file.bZModem = true;
