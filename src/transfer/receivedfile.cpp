@@ -157,7 +157,7 @@ int ReceivedFile::MeetPresent(const FileInfo& present, FileMode mode, const std:
 }
 
 bool ReceivedFile::Replaces(const FileInfo& present) const {
-    const bool newer = present.modified + 1 < Modtime;
+    const bool newer = present.modified + 1 < ToldTime();
     switch (zmanag) {
     case ZMNEWL:
         return Bytesleft > present.cbFile || newer;
@@ -266,7 +266,7 @@ int ReceivedFile::CloseReceivedFile() {
     if (!fout_.Close())
         return -1;
     if (Modtime)
-        SetFileTimes(Pathname, CurrentTime(), Modtime);
+        SetFileTimes(Pathname, CurrentTime(), ToldTime());
     line_.ShowStatus("Transfer successful.");
     return 0;
 }

@@ -73,6 +73,7 @@ class ReceivedFile {
     bool IsTooLong() const;
     int MeetPresent(const FileInfo& present, FileMode mode, const std::string& name);
     bool Replaces(const FileInfo& present) const;
+    int64_t ToldTime() const { return static_cast<DWORD>(Modtime); } // its high bit means 2038 and later
     int Resume();
     int Skip();
     int OpenAs(FileMode mode, const std::string& name);

@@ -303,6 +303,7 @@ const PresentCase presentCases[] = {
     {"NewOrLongerIsNeither", ZMNEWL, 0, false, 1000, "1000 1751", FileIsSkipped, ""},
     {"Newer", ZMNEW, 0, false, 1000, "5 1752", FileProceeds, "wb"},
     {"NewerByOneSecondIsNotEnough", ZMNEW, 0, false, 1000, "5 1751", FileIsSkipped, ""},
+    {"NewerByDecades", ZMNEW, 0, false, 1000, "5 20000000000", FileProceeds, "wb"},
     {"NewerDoesNotLookAtLength", ZMNEW, 0, false, 1000, "5000 1", FileIsSkipped, ""},
     {"ChecksumIsSkipped", ZMCRC, 0, false, 1000, "5000 1752", FileIsSkipped, ""},
     {"UnknownManagementIsSkipped", 6, 0, false, 1000, "5000 1752", FileIsSkipped, ""},
@@ -577,6 +578,18 @@ TEST(ReceivedFileEnd, SetsTheTime) {
     EXPECT_EQ(receiving.disk.journal, (std::vector<std::string>{"open a wb", "close a", "time a 15"}));
     EXPECT_TRUE(receiving.Told("status Transfer successful."));
     EXPECT_FALSE(receiving.file.IsOpen());
+}
+
+// From 19 January 2038 on.
+TEST(ReceivedFileEnd, SetsATimeOfMoreThan31Bits) {
+    for (const auto& [told, set] : {std::pair{"20000000000", "2147483648"}, {"37777777777", "4294967295"}}) {
+        Receiving receiving;
+        receiving.Header("a\0"
+                         "5 "s +
+                         told);
+        EXPECT_EQ(receiving.file.CloseReceivedFile(), 0);
+        EXPECT_EQ(receiving.disk.journal.back(), std::string("time a ") + set);
+    }
 }
 
 TEST(ReceivedFileEnd, LeavesTheTimeWhenNoneWasTold) {
