@@ -528,6 +528,12 @@ TARN_IMPORT int TARNAPI SetWireTapTransfer(HWND hWnd, int bWireTapTransfer);
  * - TARN_TRANSFER_SUCCESS, TARN_TRANSFER_FAILURE: the transfer has ended, and the next may be started. A lost
  *   file alone makes no failure of a ZModem download.
  *
+ * A transfer has the line's state changed for its time: 8 data bits without parity (but for Kermit), and no
+ * XOn and XOff, replacement of characters or discarding of NULs. SetSettings, SetHandshaking,
+ * SetParityReplace, SetDiscardNulls, SetDTR and the time-outs of the line write the whole state anew, of
+ * which XOn and XOff alone stay off: leave them until the end where the object's own state would spoil the
+ * data.
+ *
  * The protocols, by origin: XModem, XModem CRC and 1K, YModem and YModem-G as Chuck Forsberg wrote them down
  * in 1985, ZModem after his description of 1988, Kermit after Frank da Cruz, 1987 (no long packets, no
  * windows).

@@ -73,6 +73,7 @@ void FillStateBlock(DCB& block, const COMCTL& record, bool applySpeed) {
     block.fDsrSensitivity = 0;
     block.fTXContinueOnXoff = 0;
     FillHandshaking(block, record);
+    // These and the data bits and parity below follow the record in a transfer too; kept so, see the tests.
     block.fErrorChar = record.nParityReplace != noReplacement;
     block.fNull = record.bNullDiscard != 0;
     block.fAbortOnError = 0;

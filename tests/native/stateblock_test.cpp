@@ -87,6 +87,11 @@ const FieldCase fieldCases[] = {
     {"NullsKept", Nothing, READ(fNull), 0},
     {"NullsDropped", SET(record.bNullDiscard = -1), READ(fNull), 1},
     {"NullsDroppedByAnyValue", SET(record.bNullDiscard = 2), READ(fNull), 1},
+    // Kept so: of what a transfer wants, XOn and XOff alone are spared.
+    {"ErrorCharInATransfer", SET(record.nParityReplace = '?'; record.nTransferType = 1), READ(fErrorChar), 1},
+    {"NullsDroppedInATransfer", SET(record.bNullDiscard = 1; record.nTransferType = 1), READ(fNull), 1},
+    {"ByteSizeInATransfer", SET(record.nDataBits = 7; record.nTransferType = 2), READ(ByteSize), 7},
+    {"ParityInATransfer", SET(record.nParity = 2; record.nTransferType = 2), READ(Parity), EVENPARITY},
     {"AbortOnError", Nothing, READ(fAbortOnError), 0},
     {"Dummy", Nothing, READ(fDummy2), 0},
     {"Reserved", Nothing, READ(wReserved), 0},
