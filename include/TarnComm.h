@@ -589,8 +589,8 @@ TARN_IMPORT void TARNAPI SetXferPath(HWND hWnd, const char* szPath);
 TARN_IMPORT int TARNAPI Upload(HWND hWnd, const char* szName);
 
 /* Starts receiving, or adds a name to the download that runs. szName is the name that the next file gets;
- * NULL or "" takes the sender's, and UNTITLED.000 and so on where a protocol has none. Returns 1, or 0 as
- * Upload. */
+ * NULL or "" takes the sender's, and UNTITLED.000 and so on where a protocol has none. Returns 1, or 0 when
+ * an upload or the thread of StartTransfer runs, or there is no thread or memory to be had. */
 TARN_IMPORT int TARNAPI Download(HWND hWnd, const char* szName);
 
 /* Both end the whole transfer, files that wait in the queue included. The end comes as an event. */
@@ -624,8 +624,9 @@ TARN_IMPORT void TARNAPI SetDestFilename(HWND hWnd, const char* szName);
 TARN_IMPORT int TARNAPI GetTransferFilename(HWND hWnd, char* szName, int cbName);
 TARN_IMPORT int TARNAPI GetTransferFilenameLength(HWND hWnd);
 
-/* The thread of a transfer without its queue and type, as Upload and Download start it. The handle is the
- * caller's to close; NULL for a dead object and while a transfer's thread runs. */
+/* The thread of a transfer without its queue and type, as Upload and Download start it. It ends in an event
+ * like any other; until then both return 0. The handle is the caller's to close; NULL for a dead object and
+ * while a transfer's thread runs. */
 TARN_IMPORT HANDLE TARNAPI StartTransfer(HWND hWnd);
 
 /* For code that runs inside a transfer: whether its time is up (a value of CreateTimer) or it has to end. */

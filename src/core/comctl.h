@@ -198,6 +198,7 @@ struct COMCTL : TransferShare {
     std::vector<char> DirectWriteBytes;   // what it writes
     std::unique_ptr<ReadCall> lpReadCall; // kept from read to read; null while one is under way
     OfferedInput Offered;
+    int bTransferAlone = 0; // hTransferThread is StartTransfer's, and its end was not told yet
 };
 
 using lpComCtl = COMCTL*;

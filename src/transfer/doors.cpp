@@ -78,7 +78,7 @@ int TARNAPI Upload(HWND hWnd, const char* szName) {
         if (!record)
             return 0;
         record->bAbortTransfer = 0;
-        if (record->nTransferType == XferDownload)
+        if (record->nTransferType == XferDownload || WorkerStandsAlone(*record))
             return 0;
         if (!CanBeRead(MakeXferPath(*record, szName ? szName : "")) || !QueueFile(*record, szName))
             return 0;
@@ -92,7 +92,9 @@ int TARNAPI Download(HWND hWnd, const char* szName) {
         if (!record)
             return 0;
         record->bAbortTransfer = 0;
-        if (record->nTransferType == XferUpload || !QueueFile(*record, szName))
+        if (record->nTransferType == XferUpload || WorkerStandsAlone(*record))
+            return 0;
+        if (!QueueFile(*record, szName))
             return 0;
         return Start(*record, XferDownload);
     });

@@ -303,10 +303,16 @@ HANDLE StartWorkerAlone(COMCTL& record) {
     if (WorkerRuns(record))
         return nullptr;
     record.hTransferThread.reset(StartWorker(record)); // the object waits for it when it goes
+    record.bTransferAlone = 1;
     return record.hTransferThread ? Duplicate(record.hTransferThread.get()) : nullptr;
 }
 
+bool WorkerStandsAlone(const COMCTL& record) {
+    return record.bTransferAlone && WorkerRuns(record);
+}
+
 bool BeginTransfer(COMCTL& record) {
+    record.bTransferAlone = 0;
     record.nTransferStatus = TransferStatus_WaitForFile;
     record.hTransferStop = ManualResetEvent();
     try {
@@ -353,6 +359,7 @@ LRESULT AnswerTransferEnd(HWND hWnd, int nStatus) {
     if (!record)
         return 0;
     const ObjectWatch watch(*record);
+    record->bTransferAlone = 0;
     SettleTransfer(*record, nStatus);
     Notify(hWnd, Event_Transfer);
     if (watch.Gone())

@@ -16,6 +16,10 @@ bool BeginTransfer(COMCTL& record);
 // and where there is no thread to be had.
 HANDLE StartWorkerAlone(COMCTL& record);
 
+// Whether such a worker still has the line. Its transfer ends in an event like any other, and until then no
+// second worker may come.
+bool WorkerStandsAlone(const COMCTL& record);
+
 // Stops the worker of an object that is being destroyed and takes its dialog away. Window's thread.
 void EndTransferThread(COMCTL& record);
 

@@ -24,6 +24,10 @@ HANDLE StartWorkerAlone(COMCTL&) {
     return nullptr;
 }
 
+bool WorkerStandsAlone(const COMCTL&) {
+    return false;
+}
+
 void WINAPI OutputDebugStringA(LPCSTR) {}
 
 namespace {

@@ -216,6 +216,25 @@ TEST_F(TransferLife, ThreadWithoutADirectionFailsWithoutAByteOnTheLine) {
     EXPECT_TRUE(PumpUntil([&] { return WaitForSingleObject(thread.get(), 0) == WAIT_OBJECT_0; }));
 }
 
+TEST_F(TransferLife, ThreadThatAHostStartedHasTheLineToItsEnd) {
+    Use(7);
+    const std::string path = out.Write("a", "a");
+    const EventHandle thread(StartTransfer(receiver)); // asks this thread for its end, and so waits for it
+    ASSERT_TRUE(thread);
+    EXPECT_EQ(Download(receiver, ""), 0);
+    EXPECT_EQ(Upload(receiver, path.c_str()), 0);
+    EXPECT_EQ(GetTransferType(receiver), XferNone);
+    EXPECT_EQ(Record(receiver).cFiles, 0);
+    bool again = false;
+    received.onStatus = [&](int) {
+        if (!again)
+            again = Download(receiver, "") == 1;
+    };
+    EXPECT_TRUE(PumpUntil([&] { return received.statuses.size() == 2; }, limit)) << "one end each";
+    EXPECT_TRUE(again);
+    EXPECT_EQ(GetTransferType(receiver), XferNone);
+}
+
 TEST_F(TransferLife, ThreadThatAHostStartedIsWaitedForToo) {
     Use(Protocol_ZModem);
     DWORD ended = WAIT_FAILED;
