@@ -585,7 +585,9 @@ TARN_IMPORT int TARNAPI GetResumeMethod(HWND hWnd);
 TARN_IMPORT void TARNAPI SetXferPath(HWND hWnd, const char* szPath);
 
 /* Queues a file and starts sending, or lets the upload that runs take it too. Returns 1, or 0 when the file
- * can't be read, a download runs, or there is no thread or memory to be had. */
+ * can't be read, a download or the thread of StartTransfer runs, the upload that runs has found no further
+ * file and is saying goodbye (its last event is the time to start the next), or there is no thread or memory
+ * to be had. */
 TARN_IMPORT int TARNAPI Upload(HWND hWnd, const char* szName);
 
 /* Starts receiving, or adds a name to the download that runs. szName is the name that the next file gets;

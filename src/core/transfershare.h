@@ -35,11 +35,12 @@ struct TransferShare {
     std::atomic<HWND> hDialogParent{nullptr};
     std::atomic<int> bWireTapOutput{0};
     std::atomic<int> bWireTapTransfer{0};
-    std::atomic<int> nResumeMethod{0};                          // 0 never, 1 always
-    char szSourceFilename[FilenameSize] = {};                   // guarded
-    char szDestFilename[FilenameSize] = {};                     // guarded
-    char szTransferStatus[FilenameSize] = {};                   // guarded
-    char szXferPath[XferPathSize] = {};                         // guarded
+    std::atomic<int> nResumeMethod{0};        // 0 never, 1 always
+    char szSourceFilename[FilenameSize] = {}; // guarded
+    char szDestFilename[FilenameSize] = {};   // guarded
+    char szTransferStatus[FilenameSize] = {}; // guarded
+    char szXferPath[XferPathSize] = {};       // guarded
+    bool bFileListEnded = false; // guarded: the upload has found its queue empty and takes no more
     std::atomic<const WindowRequest*> lpWindowRequest{nullptr}; // while the worker waits for it
     std::atomic<HWND> hTransferDialog{nullptr};                 // made and destroyed by the window's thread
 

@@ -51,6 +51,13 @@ LRESULT SetText(COMCTL& record, LPARAM lParam) {
     return 0;
 }
 
+// Asked by a sender that comes to its end unless one waits.
+LRESULT FilesWaiting(COMCTL& record) {
+    if (record.nTransferType == XferUpload)
+        FirstQueuedFileOrEnd(record);
+    return record.cFiles;
+}
+
 void NameDownload(COMCTL& record, const TRANSFERNAMES& names) {
     CopyName(record.szDestFilename, "");
     const std::string queued = FirstQueuedFile(record);
@@ -61,8 +68,10 @@ void NameDownload(COMCTL& record, const TRANSFERNAMES& names) {
     CopyName(record.szSourceFilename, *names.lpSource);
 }
 
+// A protocol that finds no file comes to its end: one that were queued later would never be sent.
 void NameUpload(COMCTL& record, const TRANSFERNAMES& names) {
-    const std::string queued = FirstQueuedFile(record);
+    const std::string queued =
+        names.lpSource->empty() ? FirstQueuedFileOrEnd(record) : FirstQueuedFile(record);
     const std::string source = queued.empty() ? *names.lpSource : queued;
     CopyName(record.szSourceFilename, source);
     CopyName(record.szDestFilename, names.lpDest->empty() ? source : *names.lpDest);
@@ -133,6 +142,7 @@ LRESULT DestroyDialogOf(COMCTL& record, LPARAM hDlg) {
 // its own, whose queue must stand.
 void SettleTransfer(COMCTL& record, int nStatus) {
     DropQueuedFiles(record);
+    ReopenQueue(record);
     Ensure(record.cFiles >= 0, "lpComCtl->cFiles >= 0");
     EmptyNames(record);
     record.nTransferStatus = nStatus;
@@ -173,7 +183,7 @@ LRESULT xfRequest(HWND hWnd, int nCode, LPARAM lParam) {
     case Request_Direction:
         return record->nTransferType;
     case Request_FilesWaiting:
-        return record->cFiles;
+        return FilesWaiting(*record);
     case Request_CreateDialog:
         return CreateDialogFor(*record, lParam);
     case Request_DestroyDialog:

@@ -10,6 +10,8 @@ bool QueueFile(COMCTL& record, const char* szName) {
     try {
         const std::string name = MakeXferPath(record, szName ? szName : "");
         std::scoped_lock guard(TransferLock());
+        if (record.bFileListEnded)
+            return false;
         auto& list = record.lpFileList;
         if (list.empty())
             record.cFiles = 0;
@@ -25,6 +27,17 @@ bool QueueFile(COMCTL& record, const char* szName) {
 std::string FirstQueuedFile(const COMCTL& record) {
     std::scoped_lock guard(TransferLock());
     return record.lpFileList.empty() ? std::string() : std::string(record.lpFileList.data());
+}
+
+std::string FirstQueuedFileOrEnd(COMCTL& record) {
+    std::scoped_lock guard(TransferLock());
+    record.bFileListEnded = record.lpFileList.empty();
+    return record.bFileListEnded ? std::string() : std::string(record.lpFileList.data());
+}
+
+void ReopenQueue(COMCTL& record) {
+    std::scoped_lock guard(TransferLock());
+    record.bFileListEnded = false;
 }
 
 void DropFirstQueuedFile(COMCTL& record) {

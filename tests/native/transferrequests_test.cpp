@@ -139,6 +139,40 @@ TEST(TransferQueue, TakesNothingWithoutMemory) {
     EXPECT_EQ(transfer.journal, Journal());
 }
 
+// What came later would be dropped at the end of the transfer.
+TEST(TransferQueue, TakesNothingOnceTheUploadHasFoundItEmpty) {
+    void (*const asks[])(TransferDouble&) = {
+        [](TransferDouble& transfer) {
+            std::string source;
+            std::string dest;
+            xfPrepareSend(transfer.transfer, source, dest);
+        },
+        [](TransferDouble& transfer) { Ask(transfer, Request_FilesWaiting); },
+    };
+    for (const auto& ask : asks) {
+        TransferDouble transfer(XferUpload);
+        COMCTL& record = transfer.object.Record();
+        ask(transfer);
+        EXPECT_FALSE(QueueFile(record, "late"));
+        EXPECT_EQ(record.cFiles, 0);
+        Ask(transfer, Request_EndTransfer);
+        EXPECT_TRUE(QueueFile(record, "for the next one"));
+    }
+}
+
+TEST(TransferQueue, TakesNamesAsLongAsOneWaits) {
+    TransferDouble transfer(XferUpload);
+    COMCTL& record = transfer.object.Record();
+    transfer.Queue("one");
+    EXPECT_EQ(Ask(transfer, Request_FilesWaiting), 1);
+    EXPECT_TRUE(QueueFile(record, "two"));
+    std::string source;
+    std::string dest;
+    xfPrepareSend(transfer.transfer, source, dest);
+    EXPECT_TRUE(QueueFile(record, "three"));
+    EXPECT_EQ(record.cFiles, 2);
+}
+
 TEST(TransferRequest, EndOfTheTransferClearsTypeNamesAndQueueBeforeItIsDelivered) {
     for (const int code : {Request_EndTransfer, Request_FailTransfer}) {
         TransferDouble transfer(XferUpload);

@@ -506,6 +506,40 @@ TEST_F(TransferPortLife, InputThatCameDuringTheLastFilesEventIsTold) {
     EXPECT_EQ(GetInBufferCount(sender), 8);
 }
 
+// The receiver leaves the sender waiting for the request after the last file, with nothing more to come.
+TEST_F(TransferSuccession, FileThatComesAfterTheLastOneIsRefused) {
+    receiver.Close();
+    FarEnd end;
+    Use(Protocol_YModem);
+    const std::string path = out.Write("a", "short");
+    ASSERT_EQ(Upload(sender, path.c_str()), 1);
+    ASSERT_TRUE(end.Send("C"));
+    ASSERT_EQ(ReadFrom(end, 133).size(), 133u);
+    ASSERT_TRUE(end.Send("\x06"
+                         "C"));
+    ASSERT_EQ(ReadFrom(end, 133).size(), 133u);
+    ASSERT_TRUE(end.Send("\x06"));
+    ASSERT_EQ(ReadFrom(end, 1), "\x04");
+    ASSERT_TRUE(end.Send("\x06"));
+    ASSERT_TRUE(PumpUntil([&] {
+        std::scoped_lock guard(TransferLock());
+        const std::string status = Record(sender).szTransferStatus;
+        return sent.Last() == TransferStatus_EndOfFile && status == "Sending filename..."; // without a name
+    }));
+    EXPECT_EQ(GetTransferType(sender), XferUpload);
+    EXPECT_EQ(Upload(sender, path.c_str()), 0);
+    EXPECT_EQ(Record(sender).cFiles, 0);
+    bool again = false;
+    sent.onStatus = [&](int status) {
+        if (status <= 0 && !again)
+            again = Upload(sender, path.c_str()) == 1;
+    };
+    AbortTransfer(sender);
+    EXPECT_TRUE(PumpUntil([&] { return again; }, limit)) << "the end opens the queue for the next transfer";
+    AbortTransfer(sender);
+    EXPECT_TRUE(PumpUntil([&] { return GetTransferType(sender) == XferNone; }, limit));
+}
+
 // One transfer right after the other
 
 TEST_F(TransferSuccession, WorkerThatSaysGoodbyeDoesNotDisturbTheNext) {
