@@ -19,6 +19,10 @@ TRIPLES = {"x86": "i686-w64-mingw32", "x64": "x86_64-w64-mingw32"}
 COMMON_LICENCES = pathlib.Path("/usr/share/common-licenses")
 # Texts that the accounts of the packages only refer to.
 REFERRED = ("GPL-3",)
+# A ZIP knows no earlier time.
+ZIP_BEGINS = (1980, 1, 1, 0, 0, 0)
+# What of the environment would have makensis read other files than Debian's.
+NSIS_PLACES = {"NSISDIR", "NSISCONFDIR"}
 
 
 def sha256(path):
@@ -64,7 +68,7 @@ def stage(contents, folder, epoch):
 
 
 def write_zip(path, folder, places, epoch):
-    moment = time.gmtime(epoch)[:6]
+    moment = max(time.gmtime(epoch)[:6], ZIP_BEGINS)
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
         for place in places:
             entry = zipfile.ZipInfo(f"{folder.name}/{place}", moment)
@@ -78,10 +82,11 @@ def write_installer(root, path, folder, version, epoch):
     lists = folder.parent / "lists.nsh"
     write_lists(lists, folder)
     os.utime(lists, (epoch, epoch))
+    inherited = {name: value for name, value in os.environ.items() if name not in NSIS_PLACES}
     subprocess.run(
-        ["makensis", "-V2", "-WX", "-NOCD", f"-DVERSION={version}", f"-DSTAGE={folder}", f"-DLISTS={lists}",
+        ["makensis", "-NOCONFIG", "-V2", "-WX", "-NOCD", f"-DVERSION={version}", f"-DSTAGE={folder}", f"-DLISTS={lists}",
          f"-DOUTPUT={path}", root / "package/setup.nsi"],
-        check=True, env={**os.environ, "SOURCE_DATE_EPOCH": str(epoch), "TZ": "UTC"})
+        check=True, env={**inherited, "SOURCE_DATE_EPOCH": str(epoch), "TZ": "UTC"})
 
 
 def make(root, version, epoch):

@@ -115,8 +115,7 @@ class AutomationPages:
 
     def event_page(self, member):
         row = self.model.events[member.name]
-        arguments = ", ".join(self.basic_argument(argument).replace("ByRef ", "").replace("ByVal ", "ByVal ")
-                              for argument in member.inputs)
+        arguments = ", ".join(self.basic_argument(argument).replace("ByRef ", "") for argument in member.inputs)
         parts = [f"# {member.name}", escape(member.help), self.traits(member),
                  self.linker.automation(row.cause, member.name)]
         parts += self.arguments_part(member)
