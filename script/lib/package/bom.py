@@ -10,7 +10,10 @@ from runtimes import ask, list_runtimes
 # Where the package has them from.
 BINARIES = {"Lantry.ocx": "build/package/made", "tarnregister.exe": "build"}
 ARCHITECTURES = ("x86", "x64")
-INSTALLER = {"title": "Nullsoft Scriptable Install System", "package": "nsis-common", "licence": "Zlib"}
+# Its stub and its System plug-in go into the installer; the stub unpacks LZMA.
+INSTALLER = {"title": "Nullsoft Scriptable Install System", "package": "nsis-common",
+             "licence": "Zlib AND MIT AND CPL-1.0 WITH LZMA-exception"}
+OURS = "MIT"
 
 
 def identifier(*words):
@@ -56,7 +59,13 @@ def describe_part(part):
     }
 
 
-def describe_product(version, licence):
+def all_of(licences):
+    """One expression: each of the licences, ours first, counts for some part."""
+    single = {each for licence in licences for each in licence.split(" AND ")}
+    return " AND ".join(sorted(single, key=lambda each: (each != OURS, each)))
+
+
+def describe_product(version, licence, concluded):
     return {
         "SPDXID": identifier("TarnLinkObjects"),
         "name": "Tarn Link Objects",
@@ -64,21 +73,21 @@ def describe_product(version, licence):
         "supplier": "Organization: The Tarn Link Objects developers",
         "downloadLocation": "NOASSERTION",
         "filesAnalyzed": False,
-        "licenseConcluded": "MIT",
-        "licenseDeclared": "MIT",
+        "licenseConcluded": concluded,
+        "licenseDeclared": OURS,
         "copyrightText": re.search(r"^Copyright .*$", licence, re.M).group(),
     }
 
 
-def describe_binary(place, path):
+def describe_binary(product, place, path, runtimes):
+    """A package of its own: one whose files are not analysed may hold packages, and no files."""
     return {
+        **product,
         "SPDXID": identifier(place),
-        "fileName": f"./{place}",
-        "fileTypes": ["BINARY"],
+        "name": place,
+        "packageFileName": f"./{place}",
         "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(path, kind)} for kind in ("sha1", "sha256")],
-        "licenseConcluded": "MIT",
-        "licenseInfoInFiles": ["NOASSERTION"],
-        "copyrightText": "NOASSERTION",
+        "licenseConcluded": all_of([OURS, *(part["licence"] for part in runtimes)]),
     }
 
 
@@ -87,18 +96,20 @@ def relate(subject, kind, other):
 
 
 def bill_of_materials(root, version, epoch):
-    product = describe_product(version, (root / "LICENSE").read_text())
+    rows = list(list_binaries(root))
+    everything = all_of([OURS, *(part["licence"] for _, _, runtimes in rows for part in runtimes)])
+    product = describe_product(version, (root / "LICENSE").read_text(), everything)
     tool = describe_part(installer_tool())
-    packages, files = {}, []
+    parts, binaries = {}, []
     relations = [relate("SPDXRef-DOCUMENT", "DESCRIBES", product["SPDXID"]),
                  relate(tool["SPDXID"], "BUILD_TOOL_OF", product["SPDXID"])]
-    for place, path, runtimes in list_binaries(root):
-        files.append(describe_binary(place, path))
-        relations.append(relate(product["SPDXID"], "CONTAINS", files[-1]["SPDXID"]))
+    for place, path, runtimes in rows:
+        binaries.append(describe_binary(product, place, path, runtimes))
+        relations.append(relate(product["SPDXID"], "CONTAINS", binaries[-1]["SPDXID"]))
         for part in map(describe_part, runtimes):
-            packages[part["SPDXID"]] = part
-            relations.append(relate(files[-1]["SPDXID"], "STATIC_LINK", part["SPDXID"]))
-    sums = " ".join(each["checksums"][1]["checksumValue"] for each in files)
+            parts[part["SPDXID"]] = part
+            relations.append(relate(binaries[-1]["SPDXID"], "STATIC_LINK", part["SPDXID"]))
+    sums = " ".join(each["checksums"][1]["checksumValue"] for each in binaries)
     return json.dumps({
         "spdxVersion": "SPDX-2.3",
         "dataLicense": "CC0-1.0",
@@ -109,7 +120,6 @@ def bill_of_materials(root, version, epoch):
             "created": time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(epoch)),
             "creators": ["Tool: script/package"],
         },
-        "packages": [product, *(packages[key] for key in sorted(packages)), tool],
-        "files": files,
+        "packages": [product, *binaries, *(parts[key] for key in sorted(parts)), tool],
         "relationships": relations,
     }, indent=1, ensure_ascii=False) + "\n"

@@ -7,7 +7,7 @@ import subprocess
 import sys
 
 ARCHITECTURES = ("x86", "x64")
-OF_THE_HOUSE = {"CMakeLists.txt", "conf.py"}  # they build our own trees and serve nobody else
+OF_THE_HOUSE = {"CMakeLists.txt", "conf.py", "site.css"}  # they build our own trees and serve nobody else
 
 
 def read_table(root):
