@@ -25,13 +25,18 @@ struct Wish {
     bool remove = false;
 };
 
+HKEY HiveOf(const wchar_t* word) {
+    if (std::wcscmp(word, L"/machine") == 0)
+        return HKEY_LOCAL_MACHINE;
+    return std::wcscmp(word, L"/user") == 0 ? HKEY_CURRENT_USER : nullptr;
+}
+
 Wish WishOf(int count, wchar_t** words) {
     Wish wish;
     for (int word = 1; word < count; ++word) {
-        if (std::wcscmp(words[word], L"/machine") == 0)
-            wish.hive = HKEY_LOCAL_MACHINE;
-        else if (std::wcscmp(words[word], L"/user") == 0)
-            wish.hive = HKEY_CURRENT_USER;
+        const HKEY hive = HiveOf(words[word]);
+        if (hive && !wish.hive)
+            wish.hive = hive;
         else if (std::wcscmp(words[word], L"/remove") == 0)
             wish.remove = true;
         else
@@ -84,6 +89,27 @@ class Key {
     HKEY key_ = nullptr;
 };
 
+// An empty key of the user's, gone again with its owner. Below it no keys can be made but such as end with
+// the session, so that whoever wants to register there fails.
+class DeadEnd {
+  public:
+    DeadEnd()
+        : error_(RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, REG_OPTION_VOLATILE, KEY_READ, nullptr,
+                                 key_.Out(), nullptr)) {}
+    ~DeadEnd() { RegDeleteKeyW(HKEY_CURRENT_USER, path); }
+    DeadEnd(const DeadEnd&) = delete;
+    DeadEnd& operator=(const DeadEnd&) = delete;
+
+    bool IsThere() const { return error_ == ERROR_SUCCESS; }
+    const Key& Get() const { return key_; }
+
+  private:
+    static constexpr const wchar_t* path = L"Software\\TarnLinkObjects.Nobody";
+
+    Key key_;
+    LSTATUS error_;
+};
+
 // While it lives, what is opened below a hive comes from below a key.
 class Lead {
   public:
@@ -128,15 +154,15 @@ Result ForUser(Module::Entry entry, bool remove) {
 }
 
 // A user without the rights must not get what he did not ask for, so the rights are tried first. What is his
-// own stays where it is: in his place the module sees a key that holds no classes.
+// own stays where it is: in his place the module sees a key that holds no classes and takes none, even where
+// it is denied one of the machine's and falls back.
 Result ForMachine(Module::Entry entry) {
-    Key classes, software;
+    Key classes;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes", 0, KEY_WRITE, classes.Out()) != ERROR_SUCCESS)
         return Refused;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software", 0, KEY_READ, software.Out()) != ERROR_SUCCESS)
-        return NoRegistry;
-    const Lead lead(HKEY_CURRENT_USER, software);
-    if (!lead.InForce())
+    const DeadEnd nobody;
+    const Lead lead(HKEY_CURRENT_USER, nobody.Get());
+    if (!nobody.IsThere() || !lead.InForce())
         return NoRegistry;
     return SUCCEEDED(entry()) ? Done : Refused;
 }
