@@ -32,6 +32,11 @@ wine_loader() {
     [[ $1 == x64 ]] && echo /usr/lib/wine/wine64 || echo wine
 }
 
+# Where Windows of 64 bits has its own programs of a width: system_folder x86|x64
+system_folder() {
+    [[ $1 == x64 ]] && echo 'C:\windows\system32' || echo 'C:\windows\syswow64'
+}
+
 # Rows of "COM number, path". COM1 to COM4 may be real ports of this machine and stay untouched.
 list_ports() {
     local pair
@@ -128,4 +133,20 @@ lock_wine() {
     mkdir -p "$wine_build/wine"
     exec {wine_lock}>"$wine_build/wine/$wine_name.lock"
     flock "$@" "$wine_lock"
+}
+
+# The guard outlives the script, however it ends: unless it hears that all is well, it carries out a command and ends
+# whatever still runs in the current prefix. It keeps the lock for that time, and listens for as long as anybody has
+# descriptor $guard. start_guard [COMMAND...]
+start_guard() {
+    exec {guard}> >(setsid --fork bash -c '
+        source "$1"; use_wine "$2" "$3"
+        read -r word && [[ $word == ended ]] && exit
+        "${@:4}"
+        end_wine
+        ' guard "$wine_root/script/lib/wine.sh" "$wine_name" "$wine_build" "$@" >/dev/null 2>&1)
+}
+
+dismiss_guard() {
+    echo ended >&"$guard"
 }
