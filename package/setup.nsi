@@ -1,8 +1,8 @@
 ; The installer. script/package gives VERSION, STAGE (the folder to install), LISTS (the copying and removing of its
 ; files, made from package/contents) and OUTPUT.
 ;
-; Silent: /S, with /AllUsers or /CurrentUser, and last, without quotes, /D=FOLDER. Results: 0 done, 1 cancelled,
-; 2 no rights, 3 a program uses the module, 4 not registered, 5 a wrong choice of users.
+; Silent: /S, with /AllUsers or /CurrentUser, and last, without quotes, /D=FOLDER. Results: 0 done; 1 and 2 are
+; NSIS' own, cancelled and broken off; ours are below, and INSTALL.md explains them.
 
 Unicode true
 SetCompressor /SOLID lzma
@@ -20,13 +20,20 @@ RequestExecutionLevel highest
 !define NAME "Tarn Link Objects"
 !define PROGRAMS_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall"
 !define UNINSTALL_KEY "${PROGRAMS_KEY}\TarnLinkObjects"
-!define NO_RIGHTS 2
 !define IN_USE 3
 !define NOT_REGISTERED 4
 !define WRONG_USE 5
+!define NO_RIGHTS 6
+!define OTHERS_FILES 7
+!define NOT_WRITTEN 8
+!define NOT_REMOVED 9
+
+; Browse appends its name. NSIS also has it stand for what it can't take: a root, a folder without its drive.
+!define UNCHOSEN ".\${NAME}"
 
 Name "${NAME} ${VERSION}"
 OutFile "${OUTPUT}"
+InstallDir "${UNCHOSEN}"
 VIProductVersion "${VERSION}"
 VIAddVersionKey ProductName "${NAME}"
 VIAddVersionKey ProductVersion "${VERSION}"
@@ -36,6 +43,7 @@ VIAddVersionKey LegalCopyright "The Tarn Link Objects developers, MIT License"
 
 Var Users      ; "machine" or "user", the words of tarnregister
 Var Folder     ; from /D=, or empty
+Var Unfinished ; 1 while files of ours are there and not all
 Var ForMachine ; the choice's buttons
 Var ForUser
 
@@ -112,26 +120,96 @@ Function ${UN}SetUsers
   ${EndIf}
 FunctionEnd
 
-; Empty, or what tarnregister says: Push its words, Call, Pop.
+; Each width by itself. Empty, or what the first complains of: Push tarnregister's words, Call, Pop.
 Function ${UN}Register
   Exch $1
-  nsExec::ExecToStack '"$INSTDIR\bin\x86\tarnregister.exe" $1'
-  Pop $0
-  Pop $2
-  ${If} $0 == 0
-  ${AndIf} ${RunningX64}
-    nsExec::ExecToStack '"$INSTDIR\bin\x64\tarnregister.exe" $1'
-    Pop $0
-    Pop $2
+  StrCpy $2 ""
+  !insertmacro RegisterWidth x86
+  ${If} ${RunningX64}
+    !insertmacro RegisterWidth x64
   ${EndIf}
-  ${If} $0 == 0
-    StrCpy $1 ""
-  ${Else}
-    StrCpy $1 "$2 ($0)"
-  ${EndIf}
+  StrCpy $1 $2
   Exch $1
 FunctionEnd
 
+; A path in full, in long names, with no backslash at its end but a root's: Push, Call, Pop. What does not exist
+; keeps its short names.
+Function ${UN}NormalPath
+  Exch $0
+  Push $1
+  Push $2
+  System::Call 'kernel32::GetFullPathNameW(w r0, i ${NSIS_MAX_STRLEN}, w .r1, p 0) i .r2'
+  ${If} $2 <> 0
+    StrCpy $0 $1
+  ${EndIf}
+  System::Call 'kernel32::GetLongPathNameW(w r0, w .r1, i ${NSIS_MAX_STRLEN}) i .r2'
+  ${If} $2 <> 0
+    StrCpy $0 $1
+  ${EndIf}
+  StrCpy $1 $0 1 -1
+  StrLen $2 $0
+  ${If} $1 == "\"
+  ${AndIf} $2 > 3
+    StrCpy $0 $0 -1
+  ${EndIf}
+  Pop $2
+  Pop $1
+  Exch $0
+FunctionEnd
+
+; Whether the system's list of programs has this folder for those users: Call, Pop.
+Function ${UN}IsListed
+  ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" InstallLocation
+  Push $0
+  Call ${UN}NormalPath
+  Pop $0
+  Push $INSTDIR
+  Call ${UN}NormalPath
+  Pop $1
+  ${If} $0 == $1
+    Push 1
+  ${Else}
+    Push 0
+  ${EndIf}
+FunctionEnd
+
+; Removes what is ours; what of it is not there is no failure.
+Function ${UN}TakeAway
+  Push "/$Users /remove"
+  Call ${UN}Register
+  Pop $0
+  ${If} $0 != ""
+    DetailPrint $0
+  ${EndIf}
+  SetOutPath $TEMP
+  !insertmacro RemoveFiles
+  Delete "$SMPROGRAMS\${NAME}\Documentation.lnk"
+  Delete "$SMPROGRAMS\${NAME}\Samples.lnk"
+  Delete "$SMPROGRAMS\${NAME}\Remove ${NAME}.lnk"
+  RMDir "$SMPROGRAMS\${NAME}"
+  Call ${UN}IsListed
+  Pop $0
+  ${If} $0 = 1
+    DeleteRegKey SHCTX "${UNINSTALL_KEY}"
+    ; The machine has this one before its first program, a user has not.
+    ${If} $Users == "user"
+      DeleteRegKey /ifempty SHCTX "${PROGRAMS_KEY}"
+    ${EndIf}
+  ${EndIf}
+  Delete "$INSTDIR\uninstall.exe"
+  RMDir $INSTDIR
+FunctionEnd
+
+!macroend
+
+!macro RegisterWidth ARCH
+  nsExec::ExecToStack '"$INSTDIR\bin\${ARCH}\tarnregister.exe" $1'
+  Pop $0
+  Pop $3
+  ${If} $0 != 0
+  ${AndIf} $2 == ""
+    StrCpy $2 "$3 ($0)"
+  ${EndIf}
 !macroend
 
 !insertmacro CommonFunctions ""
@@ -160,7 +238,7 @@ FunctionEnd
 !macroend
 
 Function .onInit
-  StrCpy $Folder $INSTDIR
+  Call ReadFolder
   !insertmacro ReadOption "/AllUsers" $2
   !insertmacro ReadOption "/CurrentUser" $3
   Call HasRights
@@ -182,7 +260,42 @@ Function .onInit
   ${AndIf} $4 = 1
     StrCpy $Users "machine"
   ${EndIf}
+  ${If} $2 = 0
+    Call KeepToUser
+  ${EndIf}
   Call ChooseFolder
+FunctionEnd
+
+; The folder of /D=, which is cut off from what NSIS shows of the command line.
+Function ReadFolder
+  System::Call 'kernel32::GetCommandLineW() w .r0'
+  ClearErrors
+  ${GetOptions} $0 "/D=" $1
+  ${If} ${Errors}
+    Return
+  ${EndIf}
+  StrCpy $Folder $INSTDIR
+  Push $Folder
+  Call NormalPath
+  Pop $0
+  System::Call 'shlwapi::PathIsRootW(w r0) i .r1'
+  ${If} $Folder == "${UNCHOSEN}"
+  ${OrIf} $1 <> 0
+    Push "/D= takes a folder with its drive, below the root."
+    Push ${WRONG_USE}
+    Call Fail
+  ${EndIf}
+FunctionEnd
+
+; An installation for the user alone, with none for the machine, is not to get a second one beside it unasked.
+Function KeepToUser
+  Call SetUsers
+  ReadRegStr $0 HKLM "${UNINSTALL_KEY}" InstallLocation
+  ReadRegStr $1 HKCU "${UNINSTALL_KEY}" InstallLocation
+  ${If} $0 == ""
+  ${AndIf} $1 != ""
+    StrCpy $Users "user"
+  ${EndIf}
 FunctionEnd
 
 ; The one that was asked for; the one where it is already; the usual one.
@@ -233,16 +346,24 @@ Function TakeUsers
   Call ChooseFolder
 FunctionEnd
 
+; Where tarnregister lies, the rest is ours too.
+!define OURS "bin\x86\tarnregister.exe"
+
 ; An older version may have files that this one lacks, so that it goes by its own uninstaller. Push its folder.
 Function RemoveOlder
   Pop $3
   ${IfNot} ${FileExists} "$3\uninstall.exe"
+  ${OrIfNot} ${FileExists} "$3\${OURS}"
     Return
   ${EndIf}
+  ClearErrors
   ExecWait '"$3\uninstall.exe" /S _?=$3' $0
-  ${If} $0 <> 0
+  ${If} ${Errors}
+    StrCpy $0 "uninstall.exe does not start"
+  ${EndIf}
+  ${If} $0 != 0
     Push "$3 holds an installation that could not be removed ($0). Close the programs that use it, then try again."
-    Push $0
+    Push ${NOT_REMOVED}
     Call Fail
   ${EndIf}
   ; Running, it could not take itself away.
@@ -250,8 +371,55 @@ Function RemoveOlder
   RMDir $3
 FunctionEnd
 
+!macro NoteFile PLACE
+  ${If} $4 == ""
+  ${AndIf} ${FileExists} "$INSTDIR\${PLACE}"
+    StrCpy $4 "$INSTDIR\${PLACE}"
+  ${EndIf}
+!macroend
+
+; Files of others would be written over, and be deleted with ours later.
+Function RefuseOthersFiles
+  ${If} ${FileExists} "$INSTDIR\${OURS}"
+    Return
+  ${EndIf}
+  StrCpy $4 ""
+  !insertmacro NoteFile "uninstall.exe"
+  !insertmacro NoteFiles
+  ${If} $4 != ""
+    Push "$4 is there and belongs to no installation of ${NAME}. Choose another folder."
+    Push ${OTHERS_FILES}
+    Call Fail
+  ${EndIf}
+FunctionEnd
+
+!macro NoteErrors FOLDER
+  ${If} ${Errors}
+  ${AndIf} $4 == ""
+    StrCpy $4 "${FOLDER}"
+  ${EndIf}
+!macroend
+
+; What can't be finished leaves nothing behind. The stack is as Fail wants it.
+Function TakeAwayAndFail
+  StrCpy $Unfinished 0
+  Call TakeAway
+  Call Fail
+FunctionEnd
+
+; NSIS breaks off by itself when the disk is full, and comes here after each failure.
+Function .onInstFailed
+  ${If} $Unfinished = 1
+    Call TakeAway
+  ${EndIf}
+FunctionEnd
+
 Section
+  Push $INSTDIR
+  Call NormalPath
+  Pop $INSTDIR
   Call RefuseModulesInUse
+  Call RefuseOthersFiles
   ReadRegStr $4 SHCTX "${UNINSTALL_KEY}" InstallLocation
   ${If} $4 != ""
     Push $4
@@ -259,23 +427,31 @@ Section
   ${EndIf}
   Push $INSTDIR
   Call RemoveOlder
-  SetOverwrite on
-  !insertmacro CopyFiles
+  ; First what takes away again, should the rest fail.
+  StrCpy $4 ""
+  StrCpy $Unfinished 1
+  ClearErrors
   SetOutPath $INSTDIR
   WriteUninstaller "$INSTDIR\uninstall.exe"
+  !insertmacro NoteErrors "$INSTDIR"
   Call WriteKeys
+  ClearErrors
+  SetOverwrite try
+  !insertmacro CopyFiles
+  ${If} $4 != ""
+    Push "Not all files could be written to $4."
+    Push ${NOT_WRITTEN}
+    Call TakeAwayAndFail
+  ${EndIf}
+  SetOutPath $INSTDIR
   Call WriteShortcuts
   Push "/$Users"
   Call Register
   Pop $4
   ${If} $4 != ""
-    ExecWait '"$INSTDIR\uninstall.exe" /S _?=$INSTDIR'
-    SetOutPath $TEMP
-    Delete "$INSTDIR\uninstall.exe"
-    RMDir $INSTDIR
     Push "The control could not be registered: $4"
     Push ${NOT_REGISTERED}
-    Call Fail
+    Call TakeAwayAndFail
   ${EndIf}
 SectionEnd
 
@@ -308,8 +484,9 @@ FunctionEnd
 Function un.onInit
   StrCpy $Users "machine"
   Call un.SetUsers
-  ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" InstallLocation
-  ${If} $0 != $INSTDIR
+  Call un.IsListed
+  Pop $0
+  ${If} $0 = 0
     StrCpy $Users "user"
     Call un.SetUsers
     Return
@@ -325,23 +502,5 @@ FunctionEnd
 
 Section "un.Remove"
   Call un.RefuseModulesInUse
-  Push "/$Users /remove"
-  Call un.Register
-  Pop $0
-  ${If} $0 != ""
-    DetailPrint $0
-  ${EndIf}
-  SetOutPath $TEMP
-  !insertmacro RemoveFiles
-  Delete "$SMPROGRAMS\${NAME}\Documentation.lnk"
-  Delete "$SMPROGRAMS\${NAME}\Samples.lnk"
-  Delete "$SMPROGRAMS\${NAME}\Remove ${NAME}.lnk"
-  RMDir "$SMPROGRAMS\${NAME}"
-  ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" InstallLocation
-  ${If} $0 == $INSTDIR
-    DeleteRegKey SHCTX "${UNINSTALL_KEY}"
-    DeleteRegKey /ifempty SHCTX "${PROGRAMS_KEY}"
-  ${EndIf}
-  Delete "$INSTDIR\uninstall.exe"
-  RMDir $INSTDIR
+  Call un.TakeAway
 SectionEnd

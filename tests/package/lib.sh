@@ -12,7 +12,6 @@ archive=$package/TarnLinkObjects-$version.zip
 limit=60 # seconds that anything may take
 class= # the control's, set by read_class
 declare -A triples=([x86]=i686-w64-mingw32 [x64]=x86_64-w64-mingw32)
-declare -A system_folders=([x86]='C:\windows\syswow64' [x64]='C:\windows\system32')
 declare -A views=([x86]=32 [x64]=64)
 
 die() {
@@ -34,6 +33,7 @@ enter_prefix() {
     [[ -f $setup && -f $archive ]] || die "there is no package: script/package"
     use_wine package
     lock_wine
+    start_guard rm -f "$WINEPREFIX/recipe"
     trap leave_prefix EXIT
     trap 'exit 143' TERM HUP INT
     need_prefix
@@ -42,12 +42,12 @@ enter_prefix() {
     scratch=$drive/try
     rm -rf "$scratch"
     mkdir "$scratch"
-    start_wine {wine_lock}>&- </dev/null >/dev/null 2>&1
+    start_wine {wine_lock}>&- {guard}>&- </dev/null >/dev/null 2>&1
     # A user's classes are there from the start, but under Wine.
     run_for 0 reg add 'HKCU\Software\Classes' /f >/dev/null
     # Wine's script hosts register what is theirs when they run.
     echo 'WScript.Quit 0' >"$scratch/nothing.vbs"
-    for arch in "${!system_folders[@]}"; do
+    for arch in x86 x64; do
         run_script "$arch" nothing.vbs
     done
 }
@@ -58,32 +58,45 @@ leave_prefix() {
     end_wine
     rm -rf "${scratch:-}"
     ((result == 0)) || rm -f "$WINEPREFIX/recipe"
+    dismiss_guard
+}
+
+# By a loader of Wine's: run_by LOADER COMMAND...
+run_by() {
+    timeout "$limit" "$@" {wine_lock}>&- {guard}>&- </dev/null
 }
 
 run() {
-    timeout "$limit" "${loader:-wine}" "$@" {wine_lock}>&- </dev/null
+    run_by wine "$@"
 }
 
-# Runs it and prints what it says; its result has to be the one given: run_for RESULT COMMAND...
-run_for() {
+# Prints what a command says; its result has to be the one given: want RESULT COMMAND...
+want() {
     local wanted=$1 result=0
     shift
-    run "$@" 2>&1 | tr -d '\r' || result=$?
+    "$@" 2>&1 | tr -d '\r' || result=$?
     ((result == wanted)) || die "$* ended with $result, not $wanted"
+}
+
+# A program for Windows: run_for RESULT COMMAND...
+run_for() {
+    want "$1" run "${@:2}"
 }
 
 # By the script host of a width, which wants to end well: run_script ARCH NAME, of a file in C:\try
 run_script() {
-    local loader
-    loader=$(wine_loader "$1")
-    run_for 0 "${system_folders[$1]}\\cscript.exe" //nologo "C:\\try\\$2"
+    want 0 run_by "$(wine_loader "$1")" "$(system_folder "$1")\\cscript.exe" //nologo "C:\\try\\$2"
 }
 
-# The installer's folder may hold spaces and has no quotes, as only a command line of its own can have it:
-# install OPTIONS...
-install() {
-    printf '@"%s" %s\r\n' "$(windows_path "$setup")" "$*" >"$scratch/install.bat"
-    run_for 0 cmd /c 'C:\try\install.bat'
+# A folder that an installer takes may hold spaces and has no quotes, as only a command line of its own can have it:
+# run_line RESULT PROGRAM WORDS
+run_line() {
+    printf '@"%s" %s\r\n' "$2" "$3" >"$scratch/line.bat"
+    run_for "$1" cmd /c 'C:\try\line.bat'
+}
+
+install_for() { # result, options...
+    run_line "$1" "$(windows_path "$setup")" "${*:2}"
 }
 
 await() { # what, command...
@@ -117,33 +130,30 @@ unpack() {
     unpacked=$scratch/TarnLinkObjects-$version
 }
 
-list_places() {
-    python3 -B "$root/script/lib/package/contents.py" "$root" | cut -f 1
-}
-
-# A folder holds what the table says, byte for byte, and besides only what is named: check_files FOLDER [PLACE...]
+# A folder holds what the package does, byte for byte, and besides only what is named: check_files FOLDER [PLACE...]
 check_files() {
-    local place source
-    diff <({ list_places; printf '%s\n' "${@:2}"; } | sed '/^$/d' | LC_ALL=C sort) \
-        <(cd "$1" && find . -type f | sed 's|^\./||' | LC_ALL=C sort) || die "$1 holds other files than the table says"
-    while IFS=$'\t' read -r place source; do
-        cmp "$source" "$1/$place" || die "$1/$place is not $source"
-    done < <(python3 -B "$root/script/lib/package/contents.py" "$root")
+    local sums=$package/made/SHA256SUMS
+    diff <({ cut -c 67- "$sums"; printf '%s\n' SHA256SUMS "${@:2}"; } | LC_ALL=C sort) \
+        <(cd "$1" && find . -type f | sed 's|^\./||' | LC_ALL=C sort) || die "$1 holds other files than the package"
+    cmp "$sums" "$1/SHA256SUMS" || die "$1/SHA256SUMS is another"
+    (cd "$1" && sha256sum --quiet --check SHA256SUMS) || die "$1 holds other bytes than the package"
 }
 
-# All keys and files of the prefix, but for what Windows keeps of its programs at any time.
+# All keys and files of the prefix, but for what Windows keeps of its programs at any time. The server writes the hives as
+# it ends; a key's line tells when it was changed.
 take_snapshot() { # name
-    run regedit /E "$(as_windows "$scratch/$1.hklm")" 'HKEY_LOCAL_MACHINE\Software'
-    run regedit /E "$(as_windows "$scratch/$1.hkcu")" 'HKEY_CURRENT_USER\Software'
-    for hive in hklm hkcu; do
-        iconv -f UTF-16 -t UTF-8 "$scratch/$1.$hive" | tr -d '\r' >"$scratch/$1.$hive.text"
+    local hive
+    end_wine
+    for hive in system user; do
+        awk '/^\[/ { sub(/ [0-9]+$/, ""); ours = /^\[Software\\/ } ours && !/^#time=/' "$WINEPREFIX/$hive.reg" \
+            >"$scratch/$1.$hive.text"
     done
     (cd "$drive" && find . \( -path ./try -o -path './users/*/Temp' -o -path './windows/wiretap*' \) -prune -o -print | LC_ALL=C sort) >"$scratch/$1.files.text"
 }
 
 compare_snapshots() { # before, after
     local kind
-    for kind in hklm.text hkcu.text files.text; do
+    for kind in system.text user.text files.text; do
         diff "$scratch/$1.$kind" "$scratch/$2.$kind" >"$scratch/difference" && continue
         head -n 20 "$scratch/difference" >&2
         die "something is left behind, see above"
@@ -164,6 +174,7 @@ remove_installed() { # hive, folder
     await "the end of its copy" has_no_uninstaller
 }
 
+# NSIS names the copy's folder.
 has_no_uninstaller() {
-    ! run tasklist 2>/dev/null | grep -qi 'un.*\.exe.*nst\|Un_'
+    ! pgrep -f '\\~nsu[0-9A-F]*\.tmp' >/dev/null
 }
