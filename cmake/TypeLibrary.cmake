@@ -19,9 +19,9 @@ function(tarn_type_library name description)
         list(GET kind 0 switch)
         list(GET kind 1 ending)
         set(output ${folder}/${stem}${ending})
-        # The same description gives the same bytes at any hour.
+        # The same description gives the same bytes at any hour, wherever it strikes.
         add_custom_command(OUTPUT ${output}
-            COMMAND ${CMAKE_COMMAND} -E env WIDL_TIME_OVERRIDE=0
+            COMMAND ${CMAKE_COMMAND} -E env TZ=UTC WIDL_TIME_OVERRIDE=0
                 ${TARN_WIDL} -I ${TARN_IDL_FOLDER} -L ${TARN_STDOLE_FOLDER} ${switch} -o ${output} ${description}
             WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}
             DEPENDS ${description}
